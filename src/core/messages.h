@@ -1,0 +1,35 @@
+// The user-facing texts of the expression language, in one list. Templates carry numbered
+// placeholders filled by FormatMessage.
+#pragma once
+
+#include <string_view>
+
+namespace qm::msg {
+
+// Parser
+inline constexpr std::u16string_view kUnexpectedToken = u"Unexpected '[1]' ([2])\r\nexpected ([3])";
+inline constexpr std::u16string_view kUnexpectedEnd = u"Unexpected end of expression\r\nexpected ([1])";
+inline constexpr std::u16string_view kUnexpectedPrimary =
+    u"Unexpected '[1]' ([2])\r\nexpected (Variable), (Function) or end of expression";
+inline constexpr std::u16string_view kUnexpectedLeftover = u"Unexpected '[1]' ([2])\r\nexpected end of expression";
+inline constexpr std::u16string_view kWhileParsing = u"\r\nwhile parsing expression:\r\n\t";
+inline constexpr std::u16string_view kNestedTooDeeply =
+    u"Expression is nested too deeply: more than [1] levels of parentheses, operators or accessors";
+
+// Evaluator
+inline constexpr std::u16string_view kUnknownOperator = u"Unknown [1] '[2]'";
+inline constexpr std::u16string_view kUnaryNeedsNumeric = u"Unary '[1]' operator requires operand to be of type Numeric";
+inline constexpr std::u16string_view kOperandsNeedNumeric = u"'[1]' operator requires operands to be of type Numeric";
+inline constexpr std::u16string_view kDivisionByZero = u"Division by zero";
+inline constexpr std::u16string_view kCompareObjects = u"This binary operator ([1]) cannot be used to compare objects";
+inline constexpr std::u16string_view kExpectedLValue = u"Expected LValue";
+inline constexpr std::u16string_view kExpectedObject = u"Expected an object at member access: [1] at [2]";
+inline constexpr std::u16string_view kExpectedArray = u"Expected an array at index access: [1] at[2]";
+inline constexpr std::u16string_view kUnknownFunction = u"Unknown function '[1]'";
+
+// Log lines
+inline constexpr std::u16string_view kLogEvaluating = u"\tEvaluating expression: ";
+inline constexpr std::u16string_view kLogValue = u"\t\tValue: ";
+inline constexpr std::u16string_view kLogNewValue = u"\tNew Value: ";
+
+}  // namespace qm::msg
