@@ -1,0 +1,37 @@
+// What every subcommand module sees: the output streams and the slot for the action that the
+// parsed command line selected.
+#pragma once
+
+#include <functional>
+#include <iosfwd>
+#include <string>
+
+namespace CLI {
+class App;
+}
+
+namespace qm::cli {
+
+struct Io {
+    std::ostream& out;
+    std::ostream& err;
+};
+
+// Exit codes shared by every subcommand.
+inline constexpr int kExitOk = 0;
+inline constexpr int kExitError = 1;
+inline constexpr int kExitUsage = 2;
+inline constexpr int kExitCancelled = 3;
+
+// The action a subcommand's callback installs; it runs after the whole command line has parsed.
+using Action = std::function<int()>;
+
+struct CommandContext {
+    Io io;
+    Action action;
+};
+
+// One registration function per module, in the manner of a library table.
+void RegisterExpressionCommands(CLI::App& app, CommandContext& context);
+
+}  // namespace qm::cli
