@@ -1,0 +1,60 @@
+// The pull reader the binding reads documents through. One implementation per platform stands
+// behind CreateStringXmlReader; they all report the same node types for the same document.
+#pragma once
+
+#include <memory>
+#include <string_view>
+
+namespace qm::xml {
+
+enum class NodeType {
+    None,  // before the first Read
+    Element,
+    EndElement,
+    Text,
+    Whitespace,  // text made of blanks only (space, tab, line feed, carriage return)
+    CDATA,
+    XmlDeclaration,
+    Comment,
+    ProcessingInstruction,
+    DocumentType,
+    Other,
+};
+
+// Deepest element nesting any document may have. Beyond it the reader fails; the binding, whose
+// reading recurses once per element, stays within it as well.
+inline constexpr int kMaxElementDepth = 1024;
+
+class XmlReader {
+public:
+    virtual ~XmlReader() = default;
+
+    // Moves to the next node: false at the end of the document. A document that is not
+    // well-formed, holds a document type declaration, or nests deeper than kMaxElementDepth
+    // raises XmlError.
+    virtual bool Read() = 0;
+
+    virtual NodeType nodeType() const = 0;
+    // Of the current node, or of the current attribute while on one. Valid until the next move.
+    virtual std::u16string_view localName() const = 0;
+    virtual std::u16string_view value() const = 0;
+    // A self-closing start tag (no EndElement follows).
+    virtual bool isEmptyElement() const = 0;
+
+    // Attribute iteration on an element: false when there is none (no more).
+    virtual bool MoveToFirstAttribute() = 0;
+    virtual bool MoveToNextAttribute() = 0;
+    virtual void MoveToElement() = 0;
+
+    // Where the current node starts, counted from 1; 0 when not known.
+    virtual int line() const = 0;
+    virtual int column() const = 0;
+};
+
+// A reader over an in-memory UTF-16 document. The document is declared when it starts with
+// "<?xml" and a blank (after an optional byte order mark): the reader then reports an
+// XmlDeclaration node first. Document type declarations are refused, external resources are never
+// loaded and entities are never expanded.
+std::unique_ptr<XmlReader> CreateStringXmlReader(std::u16string_view text);
+
+}  // namespace qm::xml

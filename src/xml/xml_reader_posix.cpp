@@ -1,0 +1,241 @@
+// The pull reader over libxml2's text reader. The document is handed over as UTF-8 converted
+// here, with the encoding named explicitly and the declaration's own encoding label ignored
+// (documents say "utf-16", which is what they were before the conversion).
+#include <libxml/parser.h>
+#include <libxml/xmlreader.h>
+
+#include <optional>
+#include <string>
+
+#include "core/format.h"
+#include "core/text.h"
+#include "xml/messages.h"
+#include "xml/xml_error.h"
+#include "xml/xml_reader.h"
+
+namespace qm::xml {
+
+namespace {
+
+bool IsBlank(char16_t c) { return c == u' ' || c == u'\t' || c == u'\n' || c == u'\r'; }
+
+std::u16string_view SkipByteOrderMark(std::u16string_view text) {
+    return !text.empty() && text.front() == u'\xFEFF' ? text.substr(1) : text;
+}
+
+bool StartsWithDeclaration(std::u16string_view text) {
+    text = SkipByteOrderMark(text);
+    return text.size() > 5 && text.starts_with(u"<?xml") && IsBlank(text[5]);
+}
+
+// A document type declaration can only stand in the prolog: after the XML declaration, among
+// blanks, comments and processing instructions. Finding it here, before the parser sees the
+// document, refuses entity tricks before any of them is even declared.
+std::optional<std::size_t> FindDocumentType(std::u16string_view text) {
+    std::size_t i = text.size() - SkipByteOrderMark(text).size();
+    auto skipPast = [&](std::u16string_view close, std::size_t from) {
+        const std::size_t end = text.find(close, from);
+        i = end == std::u16string_view::npos ? text.size() : end + close.size();
+    };
+    if (text.substr(i).starts_with(u"<?xml")) skipPast(u"?>", i + 5);
+    while (i < text.size()) {
+        if (IsBlank(text[i])) {
+            ++i;
+            continue;
+        }
+        const std::u16string_view rest = text.substr(i);
+        if (rest.starts_with(u"<!--")) {
+            skipPast(u"-->", i + 4);
+        } else if (rest.starts_with(u"<?")) {
+            skipPast(u"?>", i + 2);
+        } else if (rest.starts_with(u"<!DOCTYPE")) {
+            return i;
+        } else {
+            break;
+        }
+    }
+    return std::nullopt;
+}
+
+std::pair<int, int> LineAndColumn(std::u16string_view text, std::size_t offset) {
+    int line = 1;
+    std::size_t lineStart = 0;
+    for (std::size_t i = 0; i < offset && i < text.size(); ++i) {
+        if (text[i] == u'\n' || (text[i] == u'\r' && (i + 1 >= text.size() || text[i + 1] != u'\n'))) {
+            ++line;
+            lineStart = i + 1;
+        }
+    }
+    return {line, static_cast<int>(offset - lineStart) + 1};
+}
+
+// libxml2 hands out valid UTF-8 only.
+void AssignFromUtf8(std::u16string& out, const xmlChar* text) {
+    out.clear();
+    if (text == nullptr) return;
+    const auto* p = reinterpret_cast<const unsigned char*>(text);
+    while (*p != 0) {
+        char32_t c = *p;
+        int extra = c < 0x80 ? 0 : c < 0xE0 ? 1 : c < 0xF0 ? 2 : 3;
+        if (extra > 0) c &= 0x3F >> extra;
+        ++p;
+        for (; extra > 0 && *p != 0; --extra, ++p) c = (c << 6) | (*p & 0x3F);
+        if (c >= 0x10000) {
+            c -= 0x10000;
+            out += static_cast<char16_t>(0xD800 + (c >> 10));
+            out += static_cast<char16_t>(0xDC00 + (c & 0x3FF));
+        } else {
+            out += static_cast<char16_t>(c);
+        }
+    }
+}
+
+NodeType MapNodeType(int type) {
+    switch (type) {
+        case XML_READER_TYPE_ELEMENT: return NodeType::Element;
+        case XML_READER_TYPE_END_ELEMENT: return NodeType::EndElement;
+        case XML_READER_TYPE_TEXT: return NodeType::Text;
+        case XML_READER_TYPE_WHITESPACE:
+        case XML_READER_TYPE_SIGNIFICANT_WHITESPACE: return NodeType::Whitespace;
+        case XML_READER_TYPE_CDATA: return NodeType::CDATA;
+        case XML_READER_TYPE_COMMENT: return NodeType::Comment;
+        case XML_READER_TYPE_PROCESSING_INSTRUCTION: return NodeType::ProcessingInstruction;
+        case XML_READER_TYPE_DOCUMENT_TYPE: return NodeType::DocumentType;
+        default: return NodeType::Other;
+    }
+}
+
+class LibXmlReader final : public XmlReader {
+public:
+    explicit LibXmlReader(std::u16string_view text) : declared_(StartsWithDeclaration(text)) {
+        static const bool initialized = (xmlInitParser(), true);
+        (void)initialized;
+        if (const auto doctype = FindDocumentType(text)) {
+            const auto [line, column] = LineAndColumn(text, *doctype);
+            throw XmlError(std::u16string(msg::kDtdProhibited), line, column);
+        }
+        utf8_ = ToUtf8(text);
+        // No entity substitution, no DTD loading, no network. HUGE lifts libxml2's own nesting cap
+        // of 256 (too low for a deep expression); Read applies kMaxElementDepth instead.
+        const int options = XML_PARSE_NONET | XML_PARSE_HUGE | XML_PARSE_IGNORE_ENC | XML_PARSE_NOXINCNODE;
+        reader_ = xmlReaderForMemory(utf8_.data(), static_cast<int>(utf8_.size()), nullptr, "UTF-8", options);
+        if (reader_ == nullptr) throw XmlError(std::u16string(msg::kReaderFailed), 0, 0);
+        xmlTextReaderSetStructuredErrorHandler(reader_, &LibXmlReader::OnError, this);
+    }
+
+    ~LibXmlReader() override {
+        if (reader_ != nullptr) xmlFreeTextReader(reader_);
+    }
+
+    LibXmlReader(const LibXmlReader&) = delete;
+    LibXmlReader& operator=(const LibXmlReader&) = delete;
+
+    bool Read() override {
+        onAttribute_ = false;
+        if (declared_) {
+            declared_ = false;
+            type_ = NodeType::XmlDeclaration;
+            return true;
+        }
+        const int rc = xmlTextReaderRead(reader_);
+        if (error_) throw *error_;
+        if (rc == 0) {
+            type_ = NodeType::None;
+            return false;
+        }
+        if (rc < 0) throw XmlError(std::u16string(msg::kUnknownReaderError), line(), 0);
+        type_ = MapNodeType(xmlTextReaderNodeType(reader_));
+        if (type_ == NodeType::DocumentType) throw XmlError(std::u16string(msg::kDtdProhibited), line(), 0);
+        if (type_ == NodeType::Element && xmlTextReaderDepth(reader_) >= kMaxElementDepth) {
+            throw XmlError(FormatMessage(msg::kNestedTooDeeply, {Ascii(std::to_string(kMaxElementDepth))}), line(),
+                           0);
+        }
+        return true;
+    }
+
+    NodeType nodeType() const override { return type_; }
+
+    std::u16string_view localName() const override {
+        if (type_ == NodeType::XmlDeclaration) return u"xml";
+        if (type_ == NodeType::None) return {};
+        // Names come from the parser's dictionary and live as long as the reader, so the pointer
+        // identifies the text: most calls convert nothing.
+        const xmlChar* raw = xmlTextReaderConstLocalName(reader_);
+        if (raw != lastName_) {
+            lastName_ = raw;
+            AssignFromUtf8(name_, raw);
+        }
+        return name_;
+    }
+
+    std::u16string_view value() const override {
+        if (type_ == NodeType::XmlDeclaration || type_ == NodeType::None) return {};
+        AssignFromUtf8(value_, xmlTextReaderConstValue(reader_));
+        return value_;
+    }
+
+    bool isEmptyElement() const override {
+        return type_ == NodeType::Element && !onAttribute_ && xmlTextReaderIsEmptyElement(reader_) == 1;
+    }
+
+    bool MoveToFirstAttribute() override {
+        if (type_ != NodeType::Element) return false;
+        return Moved(xmlTextReaderMoveToFirstAttribute(reader_));
+    }
+
+    bool MoveToNextAttribute() override {
+        if (!onAttribute_) return false;
+        return Moved(xmlTextReaderMoveToNextAttribute(reader_));
+    }
+
+    void MoveToElement() override {
+        if (type_ == NodeType::Element) xmlTextReaderMoveToElement(reader_);
+        onAttribute_ = false;
+    }
+
+    int line() const override {
+        if (type_ == NodeType::XmlDeclaration) return 1;
+        xmlNodePtr node = xmlTextReaderCurrentNode(reader_);
+        if (node != nullptr && node->type == XML_ATTRIBUTE_NODE) node = node->parent;
+        return node != nullptr ? static_cast<int>(xmlGetLineNo(node)) : 0;
+    }
+
+    // libxml2 keeps no column per node; only its own errors carry one.
+    int column() const override { return type_ == NodeType::XmlDeclaration ? 1 : 0; }
+
+private:
+    bool Moved(int rc) {
+        if (error_) throw *error_;
+        if (rc < 0) throw XmlError(std::u16string(msg::kUnknownReaderError), line(), 0);
+        // After the last attribute the reader stays on it: only a move makes it leave.
+        if (rc == 1) onAttribute_ = true;
+        return rc == 1;
+    }
+
+    static void OnError(void* self, xmlErrorPtr error) {
+        auto* reader = static_cast<LibXmlReader*>(self);
+        if (error == nullptr || error->level < XML_ERR_ERROR || reader->error_) return;
+        std::string text = error->message != nullptr ? error->message : "";
+        while (!text.empty() && (text.back() == '\n' || text.back() == ' ')) text.pop_back();
+        reader->error_.emplace(text.empty() ? std::u16string(msg::kUnknownReaderError) : FromUtf8(text),
+                               error->line, error->int2);
+    }
+
+    std::string utf8_;
+    xmlTextReaderPtr reader_ = nullptr;
+    bool declared_;
+    bool onAttribute_ = false;
+    NodeType type_ = NodeType::None;
+    std::optional<XmlError> error_;
+    mutable const xmlChar* lastName_ = nullptr;
+    mutable std::u16string name_;
+    mutable std::u16string value_;
+};
+
+}  // namespace
+
+std::unique_ptr<XmlReader> CreateStringXmlReader(std::u16string_view text) {
+    return std::make_unique<LibXmlReader>(text);
+}
+
+}  // namespace qm::xml
