@@ -5,6 +5,8 @@
 // literal's kind is not stored, so the quotes change nothing):
 //  - numeric text with a leading minus ("-5" would read back as the unary minus of 5);
 //  - numeric text followed by a property (the point of ".name" would join the number).
+// An unnamed property at the very end of the text would be lost, so such an expression is closed
+// in parentheses as a whole.
 // A unary operand is wrapped in parentheses when it has member steps (-($a.b) shows that the
 // whole access is negated) and when the unary node itself has member steps (-($a).b, where the
 // step applies to the negation and must not be read as part of the operand).
@@ -135,7 +137,18 @@ private:
 std::vector<Segment> Print(const M2::Expression& expression) {
     Printer printer;
     printer.Node(expression);
-    return printer.Take();
+    std::vector<Segment> segments = printer.Take();
+    // A property still waiting for its name when the text ends is never read, so an unnamed
+    // property at the very end is kept by closing the whole expression in parentheses.
+    if (!segments.empty() && segments.back().cls == SegmentClass::PropertyName && segments.back().text.back() == u'.') {
+        if (segments.front().cls == SegmentClass::Punctuation) {
+            segments.front().text.insert(0, u"(");
+        } else {
+            segments.insert(segments.begin(), Segment{SegmentClass::Punctuation, u"("});
+        }
+        segments.push_back(Segment{SegmentClass::Punctuation, u")"});
+    }
+    return segments;
 }
 
 std::u16string PrintText(const M2::Expression& expression) {
