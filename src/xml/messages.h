@@ -8,6 +8,7 @@ namespace qm::xml::msg {
 
 inline constexpr std::u16string_view kDtdProhibited =
     u"Document type declarations are not allowed in this document";
+inline constexpr std::u16string_view kNullCharacter = u"The document contains a null character";
 inline constexpr std::u16string_view kNestedTooDeeply =
     u"Elements are nested too deeply: more than [1] levels";
 inline constexpr std::u16string_view kWriteTooDeep =

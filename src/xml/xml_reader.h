@@ -22,8 +22,10 @@ enum class NodeType {
 };
 
 // Deepest element nesting any document may have. Beyond it the reader fails; the binding, whose
-// reading recurses once per element, stays within it as well.
-inline constexpr int kMaxElementDepth = 1024;
+// reading recurses once per element (some 600 bytes of stack per level in an optimised build),
+// stays within it as well. A macro needs about two levels per expression node (up to 256) plus
+// one per nested statement.
+inline constexpr int kMaxElementDepth = 768;
 
 class XmlReader {
 public:

@@ -105,11 +105,35 @@ NodeType MapNodeType(int type) {
     }
 }
 
+// libxml2 reports some failures (encoding trouble, mostly) through its per-thread generic error
+// channel rather than the reader's handler; while one of our calls runs, that channel is muted so
+// nothing reaches the process's standard error. The read fails all the same.
+class MuteGenericErrors {
+public:
+    MuteGenericErrors() : handler_(xmlGenericError), context_(xmlGenericErrorContext) {
+        xmlSetGenericErrorFunc(nullptr, &MuteGenericErrors::Ignore);
+    }
+    ~MuteGenericErrors() { xmlSetGenericErrorFunc(context_, handler_); }
+    MuteGenericErrors(const MuteGenericErrors&) = delete;
+    MuteGenericErrors& operator=(const MuteGenericErrors&) = delete;
+
+private:
+    static void Ignore(void*, const char*, ...) {}
+    xmlGenericErrorFunc handler_;
+    void* context_;
+};
+
 class LibXmlReader final : public XmlReader {
 public:
     explicit LibXmlReader(std::u16string_view text) : declared_(StartsWithDeclaration(text)) {
         static const bool initialized = (xmlInitParser(), true);
         (void)initialized;
+        // A null character is never part of XML; refused here, it cannot mislead the parser's
+        // guess at a four-byte encoding either.
+        if (const std::size_t nul = text.find(u'\0'); nul != std::u16string_view::npos) {
+            const auto [line, column] = LineAndColumn(text, nul);
+            throw XmlError(std::u16string(msg::kNullCharacter), line, column);
+        }
         if (const auto doctype = FindDocumentType(text)) {
             const auto [line, column] = LineAndColumn(text, *doctype);
             throw XmlError(std::u16string(msg::kDtdProhibited), line, column);
@@ -117,6 +141,7 @@ public:
         utf8_ = ToUtf8(text);
         // No entity substitution, no DTD loading, no network. HUGE lifts libxml2's own nesting cap
         // of 256 (too low for a deep expression); Read applies kMaxElementDepth instead.
+        MuteGenericErrors mute;
         const int options = XML_PARSE_NONET | XML_PARSE_HUGE | XML_PARSE_IGNORE_ENC | XML_PARSE_NOXINCNODE;
         reader_ = xmlReaderForMemory(utf8_.data(), static_cast<int>(utf8_.size()), nullptr, "UTF-8", options);
         if (reader_ == nullptr) throw XmlError(std::u16string(msg::kReaderFailed), 0, 0);
@@ -124,6 +149,7 @@ public:
     }
 
     ~LibXmlReader() override {
+        MuteGenericErrors mute;
         if (reader_ != nullptr) xmlFreeTextReader(reader_);
     }
 
@@ -137,7 +163,11 @@ public:
             type_ = NodeType::XmlDeclaration;
             return true;
         }
-        const int rc = xmlTextReaderRead(reader_);
+        int rc;
+        {
+            MuteGenericErrors mute;
+            rc = xmlTextReaderRead(reader_);
+        }
         if (error_) throw *error_;
         if (rc == 0) {
             type_ = NodeType::None;
@@ -180,11 +210,13 @@ public:
 
     bool MoveToFirstAttribute() override {
         if (type_ != NodeType::Element) return false;
+        MuteGenericErrors mute;
         return Moved(xmlTextReaderMoveToFirstAttribute(reader_));
     }
 
     bool MoveToNextAttribute() override {
         if (!onAttribute_) return false;
+        MuteGenericErrors mute;
         return Moved(xmlTextReaderMoveToNextAttribute(reader_));
     }
 

@@ -212,6 +212,12 @@ TEST(Binding, MalformedXmlReportsLineAndColumn) {
     }
     EXPECT_THROW(ParseElement(u"<?xml version=\"1.0\"?><Doc>&undefined;</Doc>", doc), XmlError);
     EXPECT_THROW(ParseElement(u"<?xml version=\"1.0\"?><Doc>\x01</Doc>", doc), XmlError);
+    try {
+        ParseElement(std::u16string(u"<?xml version=\"1.0\"?>\n<Doc>\0</Doc>", 34), doc);
+        FAIL();
+    } catch (const XmlError& e) {
+        EXPECT_EQ(e.FullText(), u"The document contains a null character (line 2, column 6)");
+    }
 }
 
 TEST(Binding, NestingIsBounded) {
@@ -227,7 +233,7 @@ TEST(Binding, NestingIsBounded) {
         ParseElement(nested(kMaxElementDepth + 1), doc);
         FAIL();
     } catch (const XmlError& e) {
-        EXPECT_EQ(e.message(), u"Elements are nested too deeply: more than 1024 levels");
+        EXPECT_EQ(e.message(), u"Elements are nested too deeply: more than 768 levels");
         EXPECT_EQ(e.line(), 1);
     }
 }
