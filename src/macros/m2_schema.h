@@ -33,6 +33,7 @@ struct Macros;
 }  // namespace qm::M2
 
 namespace qm::xml {
+template <> struct Binding<M2::Expression>;
 template <> struct Binding<M2::Statement>;
 template <> struct Binding<M2::ForEach>;
 template <> struct Binding<M2::If>;
@@ -56,6 +57,10 @@ extern template class Child<M2::Macros>;
 }  // namespace qm::xml
 
 namespace qm::M2 {
+
+// The binding of the expression content every holder element carries ("Expression", "Condition",
+// "Arg" ...): at most one primary, member steps, literal text. IsCData tells how the text goes out.
+using T_Expression = xml::Binding<Expression>;
 
 // A block: the statements of a macro, a function or a compound statement, in order.
 using Statements = xml::ChildList<Statement>;

@@ -98,6 +98,22 @@ TEST(Binding, DefaultedAttributesAreWrittenOnlyWhenChanged) {
     EXPECT_EQ(Write(*doc->items[0]), written);
 }
 
+TEST(Binding, SerializeFlagsAndSharedWriter) {
+    Doc doc;
+    doc.on = true;
+    doc.items.Add(std::make_shared<Item>()).name = u"i";
+    std::u16string out = u"stale";
+    SerializeElement(doc, out, nullptr, true, true, false, false);
+    EXPECT_EQ(out, u"<Item name=\"i\" when=\"00-00-00T00:00:00.000Z\" />");
+    // Into a caller's writer: the output string is left alone.
+    std::u16string text;
+    StringSink sink(text);
+    XmlWriter writer(sink, false);
+    SerializeElement(doc, out, &writer, false, true, false, false);
+    writer.EndDocument();
+    EXPECT_EQ(text, u"<Doc>" + out + u"</Doc>");
+}
+
 TEST(Binding, AttributeValuesConvertLeniently) {
     auto doc = ReadDoc(u"<Doc on=\"TRUE\" xmlns:x=\"urn:x\" unknown=\"1\"><Item flag=\"True\" count=\"12abc\" "
                        u"when=\"2016-13\"/></Doc>");
