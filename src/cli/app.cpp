@@ -12,6 +12,10 @@ int Run(int argc, char** argv, std::ostream& out, std::ostream& err) {
     app.require_subcommand(1);
     CommandContext context{{out, err}, {}};
     RegisterExpressionCommands(app, context);
+    RegisterMacroCommands(app, context);
+    RegisterRunCommands(app, context);
+    RegisterTextFormCommands(app, context);
+    RegisterNotebookCommands(app, context);
 
     try {
         app.parse(argc, argv);

@@ -31,7 +31,12 @@ struct CommandContext {
     Action action;
 };
 
-// One registration function per module, in the manner of a library table.
-void RegisterExpressionCommands(CLI::App& app, CommandContext& context);
+// One registration function per module, in the manner of a library table; each lives in its own
+// <module>_commands.cpp.
+void RegisterExpressionCommands(CLI::App& app, CommandContext& context);  // eval, parse, tokens
+void RegisterMacroCommands(CLI::App& app, CommandContext& context);       // macros ..., xml roundtrip
+void RegisterRunCommands(CLI::App& app, CommandContext& context);         // run, functions
+void RegisterTextFormCommands(CLI::App& app, CommandContext& context);    // convert, check
+void RegisterNotebookCommands(CLI::App& app, CommandContext& context);    // notebook ...
 
 }  // namespace qm::cli

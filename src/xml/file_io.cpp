@@ -1,0 +1,103 @@
+#include "xml/file_io.h"
+
+#include <atomic>
+#include <chrono>
+#include <cstdio>
+#include <memory>
+#include <system_error>
+
+#include "core/text.h"
+
+namespace qm::io {
+namespace {
+
+struct FileCloser {
+    void operator()(std::FILE* f) const { std::fclose(f); }
+};
+using File = std::unique_ptr<std::FILE, FileCloser>;
+
+File Open(const std::filesystem::path& path, const char* mode) {
+#ifdef _WIN32
+    std::wstring wmode(mode, mode + std::char_traits<char>::length(mode));
+    return File(_wfopen(path.c_str(), wmode.c_str()));
+#else
+    return File(std::fopen(path.c_str(), mode));
+#endif
+}
+
+std::u16string DecodeUtf16(std::string_view bytes, bool bigEndian) {
+    std::u16string out;
+    out.reserve(bytes.size() / 2);
+    for (size_t i = 0; i + 1 < bytes.size(); i += 2) {
+        auto hi = static_cast<unsigned char>(bytes[bigEndian ? i : i + 1]);
+        auto lo = static_cast<unsigned char>(bytes[bigEndian ? i + 1 : i]);
+        out.push_back(static_cast<char16_t>((hi << 8) | lo));
+    }
+    return out;
+}
+
+}  // namespace
+
+FileError::FileError(const std::filesystem::path& path, const std::string& what)
+    : std::runtime_error(path.string() + ": " + what), path_(path) {}
+
+std::string ReadFileBytes(const std::filesystem::path& path) {
+    File f = Open(path, "rb");
+    if (!f) throw FileError(path, "cannot open the file for reading");
+    std::string bytes;
+    char buffer[1 << 16];
+    size_t n;
+    while ((n = std::fread(buffer, 1, sizeof buffer, f.get())) > 0) bytes.append(buffer, n);
+    if (std::ferror(f.get())) throw FileError(path, "cannot read the file");
+    return bytes;
+}
+
+void WriteFileAtomically(const std::filesystem::path& path, std::string_view bytes) {
+    static std::atomic<unsigned> counter{0};
+    const auto stamp = std::chrono::steady_clock::now().time_since_epoch().count();
+    std::filesystem::path temp = path;
+    temp += ".tmp" + std::to_string(stamp % 1000000007) + "-" + std::to_string(counter++);
+    {
+        File f = Open(temp, "wb");
+        if (!f) throw FileError(path, "cannot create a temporary file beside it");
+        bool ok = std::fwrite(bytes.data(), 1, bytes.size(), f.get()) == bytes.size();
+        ok = ok && std::fflush(f.get()) == 0;
+        if (ok) SyncFile(f.get());
+        ok = ok && !std::ferror(f.get());
+        if (std::fclose(f.release()) != 0) ok = false;
+        if (!ok) {
+            std::error_code ignored;
+            std::filesystem::remove(temp, ignored);
+            throw FileError(path, "cannot write the file (is the disk full?)");
+        }
+    }
+    std::error_code ec;
+    std::filesystem::rename(temp, path, ec);
+    if (ec) {
+        std::error_code ignored;
+        std::filesystem::remove(temp, ignored);
+        throw FileError(path, "cannot replace the file: " + ec.message());
+    }
+}
+
+std::u16string DecodeXmlBytes(std::string_view bytes) {
+    auto at = [&](size_t i) { return i < bytes.size() ? static_cast<unsigned char>(bytes[i]) : 0x100u; };
+    if (at(0) == 0xFF && at(1) == 0xFE) return DecodeUtf16(bytes.substr(2), false);
+    if (at(0) == 0xFE && at(1) == 0xFF) return DecodeUtf16(bytes.substr(2), true);
+    if (at(0) == 0xEF && at(1) == 0xBB && at(2) == 0xBF) return FromUtf8(bytes.substr(3));
+    if (at(0) == '<' && at(1) == 0) return DecodeUtf16(bytes, false);
+    if (at(0) == 0 && at(1) == '<') return DecodeUtf16(bytes, true);
+    return FromUtf8(bytes);
+}
+
+std::string EncodeUtf16Le(std::u16string_view text) {
+    std::string out;
+    out.resize(text.size() * 2);
+    for (size_t i = 0; i < text.size(); ++i) {
+        out[2 * i] = static_cast<char>(text[i] & 0xFF);
+        out[2 * i + 1] = static_cast<char>(text[i] >> 8);
+    }
+    return out;
+}
+
+}  // namespace qm::io

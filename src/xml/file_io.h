@@ -1,0 +1,40 @@
+// Files of the system: read whole, decode XML text in whatever encoding it arrives in, and write
+// so that nothing is lost: a save goes to a temporary file in the same folder, is flushed to disk
+// and then renamed over the old file, so a crash or a full disk mid-save leaves the old file whole.
+#pragma once
+
+#include <cstdio>
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+namespace qm::io {
+
+class FileError : public std::runtime_error {
+public:
+    FileError(const std::filesystem::path& path, const std::string& what);
+    const std::filesystem::path& path() const noexcept { return path_; }
+
+private:
+    std::filesystem::path path_;
+};
+
+// Throws FileError naming the file when it cannot be read.
+std::string ReadFileBytes(const std::filesystem::path& path);
+
+// Writes the bytes to a temporary file beside `path`, flushes it to disk and renames it over
+// `path`. Throws FileError; on failure the old file is untouched and no temporary is left.
+void WriteFileAtomically(const std::filesystem::path& path, std::string_view bytes);
+
+// Decodes XML file bytes: UTF-16 LE or BE (with a byte order mark, or without one when the text
+// starts with '<'), or UTF-8 with or without a byte order mark. The mark is not part of the text.
+std::u16string DecodeXmlBytes(std::string_view bytes);
+
+// UTF-16 little-endian bytes without a byte order mark.
+std::string EncodeUtf16Le(std::u16string_view text);
+
+// Flushes an open file's data to the disk (platform seam).
+void SyncFile(std::FILE* file);
+
+}  // namespace qm::io
