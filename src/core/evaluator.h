@@ -4,6 +4,8 @@
 // to the object itself.
 #pragma once
 
+#include <array>
+#include <cstdint>
 #include <span>
 #include <string_view>
 
@@ -16,11 +18,40 @@ namespace qm {
 // creates it, empty, when it does not exist.
 class MacroScope {
 public:
-    ValueRef Slot(std::u16string_view name) { return variables_.FindOrCreate(name); }
+    ValueRef Slot(std::u16string_view name) { return variables_.elements()[IndexOf(name)].value; }
+    // The same slot without reference-count traffic. Variables are never removed from a scope, so
+    // the reference stays valid for the scope's lifetime.
+    MacroValue& Variable(std::u16string_view name) { return *variables_.elements()[IndexOf(name)].value; }
     const MacroArray& variables() const noexcept { return variables_; }
 
 private:
+    // Variable lookup is the evaluator's most frequent operation. A small direct-mapped cache keyed
+    // by the address of the name's characters (the name in a tree node, which stays put while the
+    // tree lives) remembers the element index; a hit is confirmed by comparing the name itself, so
+    // a stale entry (a freed tree whose memory holds another name) only costs a miss.
+    std::size_t IndexOf(std::u16string_view name) {
+        CacheEntry& entry = cache_[CacheSlot(name.data())];
+        if (entry.data == name.data() && entry.index < variables_.size() &&
+            variables_.elements()[entry.index].key == name) {
+            return entry.index;
+        }
+        std::size_t index = variables_.FindOrCreateIndex(name);
+        entry.data = name.data();
+        entry.index = index;
+        return index;
+    }
+    static std::size_t CacheSlot(const char16_t* p) {
+        auto v = reinterpret_cast<std::uintptr_t>(p);
+        return ((v >> 3) ^ (v >> 9)) & (kCacheSize - 1);
+    }
+    struct CacheEntry {
+        const char16_t* data = nullptr;
+        std::size_t index = 0;
+    };
+    static constexpr std::size_t kCacheSize = 64;
+
     MacroArray variables_;
+    std::array<CacheEntry, kCacheSize> cache_{};
 };
 
 struct Argument {
@@ -52,6 +83,13 @@ public:
 
     // Throws MacroError for every user-facing failure.
     MacroValue Evaluate(const M2::Expression& expression, bool logged = false);
+    // Evaluate for an expression statement: the result is dropped without being copied out (an
+    // assignment's result is the stored value, which may be a long string).
+    void Execute(const M2::Expression& expression, bool logged = false);
+    // Evaluate, then the truth test of a condition (AsBoolean: only "true", "True" and "1" among
+    // strings). A value that has no truth (array, object, time) raises kConditionNeedsBoolean
+    // instead of the internal invalid-argument error.
+    bool EvaluateCondition(const M2::Expression& expression, bool logged = false);
 
     MacroScope& scope() noexcept { return *scope_; }
     CallHandler* calls() const noexcept { return calls_; }

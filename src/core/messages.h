@@ -26,6 +26,19 @@ inline constexpr std::u16string_view kExpectedLValue = u"Expected LValue";
 inline constexpr std::u16string_view kExpectedObject = u"Expected an object at member access: [1] at [2]";
 inline constexpr std::u16string_view kExpectedArray = u"Expected an array at index access: [1] at[2]";
 inline constexpr std::u16string_view kUnknownFunction = u"Unknown function '[1]'";
+// Not in the spec: the cases it leaves to the implementer or reaches only through internal errors.
+// "%" by zero (the spec keeps "Division by zero" for "/" only).
+inline constexpr std::u16string_view kModuloByZero = u"Modulo by zero";
+// An operand that has no text ("+" concatenation, "&", string comparison): an array or an object.
+inline constexpr std::u16string_view kOperandNeedsString = u"'[1]' operator cannot use [2] as a String";
+// An operand that has no truth value ("!", "&&", "||", "?"): an array, an object or a time.
+inline constexpr std::u16string_view kOperandNeedsBoolean = u"'[1]' operator cannot use [2] as a Boolean";
+// Comparison of arrays: arrays have no order and the operators have no array equality.
+inline constexpr std::u16string_view kCompareArrays = u"This binary operator ([1]) cannot be used to compare arrays";
+// An index whose value has no text (an array or an object).
+inline constexpr std::u16string_view kIndexNeedsKey = u"Expected a String or Numeric index at index access: [1] at [2]";
+// A statement condition (If, While) whose value has no truth value.
+inline constexpr std::u16string_view kConditionNeedsBoolean = u"Expected a Boolean condition: [1] at [2]";
 
 // Log lines
 inline constexpr std::u16string_view kLogEvaluating = u"\tEvaluating expression: ";

@@ -61,6 +61,17 @@ public:
     const MacroTime& time() const { return std::get<MacroTime>(v_); }
     const ArrayRef& array() const { return std::get<ArrayRef>(v_); }
     const ObjectRef& object() const { return std::get<ObjectRef>(v_); }
+    // The string payload for changing it in place (the evaluator appends to a stored string
+    // instead of copying it); the kind must be string.
+    std::u16string& mutableString() { return std::get<std::u16string>(v_); }
+    // Makes the value the integer i, reusing the payload when it is an integer already.
+    void SetInteger(std::int32_t i) {
+        if (auto* p = std::get_if<std::int32_t>(&v_)) {
+            *p = i;
+        } else {
+            v_ = i;
+        }
+    }
 
     // Conversions. A value of the target kind converts to itself; the conversions that have no
     // meaning (an array to a number, a number to a time, ...) throw std::invalid_argument: the
@@ -79,6 +90,9 @@ public:
 
     // The log text: "12 (integer)", "abc (string)", "<empty>", "Array of size (2):..."
     std::u16string Describe() const;
+    // As Describe, but an array gives only its head "Array of size (N)": the form quoted in error
+    // messages, which must stay short whatever the array holds.
+    std::u16string DescribeShort() const;
 
 private:
     std::variant<std::monostate, MacroTime, std::u16string, bool, std::int32_t, std::uint32_t, double, ArrayRef,
@@ -97,8 +111,21 @@ double ExtractDecimal(std::u16string_view text);
 // The decimal text of a double: shortest round-trip form in fixed notation, so it reads back as
 // numeric ("3.5", "1", "100000000000000000000").
 std::u16string DecimalText(double d);
+// The decimal digits of an integer, with a leading "-" when negative.
+std::u16string IntegerText(std::int64_t i);
+// Writes the decimal digits of i into buffer (at least 24 units) and returns the view of them:
+// the allocation-free form used for keys and arithmetic.
+std::u16string_view IntegerText(std::int64_t i, char16_t* buffer);
+// The lower-case form of one UTF-16 code unit (ASCII, Latin-1, Latin Extended-A, Greek and
+// Cyrillic letters; every other unit is returned unchanged): the case folding of the
+// case-insensitive orderings.
+char16_t LowerCaseUnit(char16_t c);
 
 // Whole-value comparisons: the right value is converted to the left value's kind first.
+// Choices where Part 1.1 is silent: Equals never throws (a right value with no conversion to the
+// left kind, an unparsable date-time text included, is simply unequal); the empty value, which has
+// no conversion target, equals only the empty value and the empty string, and sorts before every
+// other value. LessThan/GreaterThan throw std::invalid_argument for arrays and objects.
 bool Equals(const MacroValue& left, const MacroValue& right);
 bool LessThan(const MacroValue& left, const MacroValue& right);
 bool GreaterThan(const MacroValue& left, const MacroValue& right);
@@ -107,12 +134,38 @@ bool GreaterThanNoCase(const MacroValue& left, const MacroValue& right);
 
 // An ordered, keyed collection. Every element has exactly one key; numeric keys are decimal texts,
 // so the index 3 and the key "3" name one element.
+//
+// Representation: elements in insertion order, each with its key text, plus a key-text-ordered map
+// to element indices. While the keys are exactly "0", "1", ... "n-1" in element order (an array
+// built by appending, the common case) the array is "dense": the map is not kept and a key is
+// found by reading it as a number, so appending costs no map node and no key comparison. Any
+// other key turns the array sparse (the map is built then); renumbering makes it dense again when
+// every key is an integer.
+//
+// nextIndex: the next key an append uses. Creating an element under an integer key (IsIntegerText)
+// whose value is >= nextIndex moves nextIndex just past it, so an append never reuses a numeric
+// key (as PHP does: after keys 0 and 5 the next append uses 6). PopBack of the element whose key is
+// nextIndex - 1 moves nextIndex back to that key, so a stack used with PushBack/PopBack keeps the
+// keys 0..n-1. Renumbering (PushFront, PopFront) gives the integer keys 0..m-1 in element order and
+// sets nextIndex to m.
+//
+// Arrays hold their elements by shared reference, so an array can be made to contain itself; such a
+// cycle is never freed (there is no collector), but Describe and equality stop at it instead of
+// recursing for ever. Nesting depth is not bounded by anything, so Describe, equality and the
+// destructor work without recursion.
 class MacroArray {
 public:
     struct Element {
         std::u16string key;
         ValueRef value;
     };
+
+    MacroArray() = default;
+    MacroArray(const MacroArray&) = default;  // shallow: the copy shares the element values
+    MacroArray(MacroArray&&) noexcept = default;
+    MacroArray& operator=(const MacroArray&) = default;
+    MacroArray& operator=(MacroArray&&) noexcept = default;
+    ~MacroArray();
 
     std::size_t size() const noexcept { return elements_.size(); }
     bool empty() const noexcept { return elements_.empty(); }
@@ -136,12 +189,34 @@ public:
 
     std::int64_t nextIndex() const noexcept { return nextIndex_; }
 
+    // Raw access for the evaluator's hot path, without reference-count traffic. The pointer or
+    // reference stays valid while the element stays in the array (elements are held by shared
+    // reference, so a growing array does not move them).
+    MacroValue* FindValue(std::u16string_view key) const;
+    MacroValue& FindOrCreateValue(std::u16string_view key);
+    // The element's position in elements(), or npos.
+    static constexpr std::size_t npos = static_cast<std::size_t>(-1);
+    std::size_t IndexOf(std::u16string_view key) const;
+    // The position of the element under the key, appended empty when missing.
+    std::size_t FindOrCreateIndex(std::u16string_view key);
+    // Appends an element under a key that must not exist yet; returns its value.
+    MacroValue& Append(std::u16string key, MacroValue value);
+    void Reserve(std::size_t n) { elements_.reserve(n); }
+    // Whether the keys are exactly "0".."n-1" in element order (see above).
+    bool dense() const noexcept { return dense_; }
+
     friend bool operator==(const MacroArray& left, const MacroArray& right);
 
 private:
+    void MakeSparse();
+    void NoteIntegerKey(std::u16string_view key);
+    void Renumber();
+    void PushDense(MacroValue&& value);
+
     std::vector<Element> elements_;
-    std::map<std::u16string, std::size_t, std::less<>> keys_;
+    std::map<std::u16string, std::size_t, std::less<>> keys_;  // kept only while !dense_
     std::int64_t nextIndex_ = 0;
+    bool dense_ = true;
 };
 
 // A macro object of the object model (a OneNote element, a dialog box): the evaluator reads and
