@@ -16,4 +16,29 @@ inline constexpr std::u16string_view kEditXmlMessage =
 inline constexpr std::u16string_view kExpressionTooDeep =
     u"Expression in macro is nested too deeply: more than [1] levels";
 
+// The text form of macros: reading ("file:line: message") and writing.
+inline constexpr std::u16string_view kTextMixedIndentation = u"Indentation mixes tabs and spaces";
+inline constexpr std::u16string_view kTextTabsAfterSpaces = u"Indented with tabs, but earlier lines indent with spaces";
+inline constexpr std::u16string_view kTextSpacesAfterTabs = u"Indented with spaces, but earlier lines indent with tabs";
+inline constexpr std::u16string_view kTextUnexpectedIndent = u"Unexpected indentation";
+inline constexpr std::u16string_view kTextNoBlockHere = u"Unexpected indentation: the line above takes no indented block";
+inline constexpr std::u16string_view kTextUnmatchedDedent = u"Indentation does not match any enclosing block";
+inline constexpr std::u16string_view kTextTooDeep = u"Statements are nested too deeply: more than [1] levels";
+inline constexpr std::u16string_view kTextAfterElse = u"Unexpected text after Else";
+inline constexpr std::u16string_view kTextForEachForm = u"Expected ForEach $name in expression";
+inline constexpr std::u16string_view kTextFunctionForm = u"Expected Function Name($a, $b)";
+inline constexpr std::u16string_view kTextFunctionNotTopLevel =
+    u"Function definitions belong at the top level, without indentation";
+inline constexpr std::u16string_view kTextUnknownHeader =
+    u"Unknown header line: expected #name, #category, #description, #id, #version or #publishDate";
+inline constexpr std::u16string_view kTextHeaderAfterStatement = u"Header lines come before the first statement";
+inline constexpr std::u16string_view kTextHeaderTwice = u"Header #[1] is given twice";
+inline constexpr std::u16string_view kTextVersionNumber = u"#version expects a whole number";
+inline constexpr std::u16string_view kTextPublishDate =
+    u"#publishDate expects a date and time such as 2016-03-05T14:07:09.042Z";
+inline constexpr std::u16string_view kTextCannotWriteLineBreak =
+    u"[1] cannot be written in the text form: it holds a line break";
+inline constexpr std::u16string_view kTextCannotWriteName =
+    u"[1] cannot be written in the text form: '[2]' is not a name";
+
 }  // namespace qm::macros::msg
