@@ -1,6 +1,6 @@
-// Evaluation of expression trees (Part 1.4).
+// Evaluation of expression trees.
 //
-// Decisions the spec leaves open, made here:
+// Decisions made here:
 // - Reading an array element under a missing key yields the empty value and does not create the
 //   element; reading an index of the empty value (an unset variable) yields the empty value too,
 //   as if it were an empty array. An assignment creates what its target needs: a missing element is

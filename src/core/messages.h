@@ -26,8 +26,8 @@ inline constexpr std::u16string_view kExpectedLValue = u"Expected LValue";
 inline constexpr std::u16string_view kExpectedObject = u"Expected an object at member access: [1] at [2]";
 inline constexpr std::u16string_view kExpectedArray = u"Expected an array at index access: [1] at[2]";
 inline constexpr std::u16string_view kUnknownFunction = u"Unknown function '[1]'";
-// Not in the spec: the cases it leaves to the implementer or reaches only through internal errors.
-// "%" by zero (the spec keeps "Division by zero" for "/" only).
+// Messages of our own for the cases the operators would otherwise reach only as internal errors.
+// "%" by zero ("Division by zero" belongs to "/").
 inline constexpr std::u16string_view kModuloByZero = u"Modulo by zero";
 // An operand that has no text ("+" concatenation, "&", string comparison): an array or an object.
 inline constexpr std::u16string_view kOperandNeedsString = u"'[1]' operator cannot use [2] as a String";

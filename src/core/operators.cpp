@@ -1,4 +1,4 @@
-// The operators of the expression language (Part 1.4) over evaluated operands. Literal operands
+// The operators of the expression language over evaluated operands. Literal operands
 // use the LiteralInfo computed when the tree was built, so numbers in literals are never re-read
 // from text, and no operator builds a string value unless its result is a string.
 #include <cmath>
@@ -200,8 +200,8 @@ void AppendText(const Operand& operand, std::u16string_view operatorText, std::u
     out += text;
 }
 
-// Choices left to the implementer (Part 1.4): "%" by zero raises kModuloByZero (a message of its
-// own, since the spec gives "Division by zero" to "/" only); the quotient -2147483648 / -1 wraps to
+// Our choices for the integer corner cases: "%" by zero raises kModuloByZero (a message of its
+// own: "Division by zero" belongs to "/"); the quotient -2147483648 / -1 wraps to
 // -2147483648 like every other overflow, and the remainder -2147483648 % -1 is 0. Neither traps.
 std::int32_t IntegerArithmetic(Operator op, std::int32_t a, std::int32_t b) {
     const auto ua = static_cast<std::uint32_t>(a);

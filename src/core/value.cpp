@@ -42,7 +42,7 @@ bool IsIntegerText(std::u16string_view text) {
     return true;
 }
 
-// The spec's rule: an optional leading "-" (on a text of at least two units), then only digits and
+// The rule: an optional leading "-" (on a text of at least two units), then only digits and
 // at most one ".", not the lone ".". Choice: the part after the minus must also hold a digit, so
 // "-." is not numeric either (it would read as 0 and print back as an operator and a property).
 bool IsNumericText(std::u16string_view text) {

@@ -122,7 +122,7 @@ std::u16string_view IntegerText(std::int64_t i, char16_t* buffer);
 char16_t LowerCaseUnit(char16_t c);
 
 // Whole-value comparisons: the right value is converted to the left value's kind first.
-// Choices where Part 1.1 is silent: Equals never throws (a right value with no conversion to the
+// Our choices: Equals never throws (a right value with no conversion to the
 // left kind, an unparsable date-time text included, is simply unequal); the empty value, which has
 // no conversion target, equals only the empty value and the empty string, and sorts before every
 // other value. LessThan/GreaterThan throw std::invalid_argument for arrays and objects.

@@ -1,4 +1,4 @@
-// MacroArray: the keyed array container of the value model (Part 1.1). The representation and
+// MacroArray: the keyed array container of the value model. The representation and
 // the rules for nextIndex are described in value.h.
 #include <algorithm>
 #include <limits>
