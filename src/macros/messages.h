@@ -41,4 +41,30 @@ inline constexpr std::u16string_view kTextCannotWriteLineBreak =
 inline constexpr std::u16string_view kTextCannotWriteName =
     u"[1] cannot be written in the text form: '[2]' is not a name";
 
+// The macro store and the settings file.
+inline constexpr std::u16string_view kCannotReadFile = u"Cannot read \"[1]\": [2]";
+inline constexpr std::u16string_view kCannotSaveFile = u"Cannot save \"[1]\": [2]";
+inline constexpr std::u16string_view kKeptUnreadable =
+    u"\"[1]\" could not be read, so it is left as it is and changes are not saved until it can be read.\r\n[2]";
+inline constexpr std::u16string_view kCounterNotSaved =
+    u"The macros were saved, but the load counter \"[1]\" could not be updated: other running copies of "
+    u"Quillmark may not see the change.";
+inline constexpr std::u16string_view kFirstFormatNotMigrated =
+    u"\"[1]\" holds macros in the first macro format, which this version cannot convert. The file is left as it "
+    u"is.";
+inline constexpr std::u16string_view kMacroNotFound = u"There is no macro with the id or name \"[1]\".";
+
+// Macro documents brought in from elsewhere (imports, files on the command line).
+inline constexpr std::u16string_view kNotAMacroDocument =
+    u"Expected a \"Macro\" or \"Macros\" element, found \"[1]\"";
+inline constexpr std::u16string_view kEmptyDocument = u"The document holds no element";
+inline constexpr std::u16string_view kUnexpectedRoot = u"Expected a \"[1]\" element, found \"[2]\"";
+inline constexpr std::u16string_view kNewerMacroVersion =
+    u"This macro is from a newer version of Quillmark. It will be imported but may not work properly "
+    u"here.\r\n\r\nDo you want to download the latest version of Quillmark?";
+
+// The macro log switch on the command line.
+inline constexpr std::u16string_view kLoggingOn = u"Macro logging is on.";
+inline constexpr std::u16string_view kLoggingOff = u"Macro logging is off.";
+
 }  // namespace qm::macros::msg
