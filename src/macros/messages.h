@@ -40,6 +40,8 @@ inline constexpr std::u16string_view kTextCannotWriteLineBreak =
     u"[1] cannot be written in the text form: it holds a line break";
 inline constexpr std::u16string_view kTextCannotWriteName =
     u"[1] cannot be written in the text form: '[2]' is not a name";
+inline constexpr std::u16string_view kTextCannotWriteExpression =
+    u"[1] cannot be written in the text form: the expression [2] does not read back as it is";
 
 // The macro store and the settings file.
 inline constexpr std::u16string_view kCannotReadFile = u"Cannot read \"[1]\": [2]";

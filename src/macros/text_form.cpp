@@ -386,7 +386,8 @@ public:
         Header(u"category", macro.category);
         Header(u"description", macro.description);
         Header(u"id", *macro.id);
-        if (*macro.version != 0) Header(u"version", Ascii(std::to_string(*macro.version)));
+        // As in the XML: a version equal to its creator's default is no version of its own.
+        if (!macro.version.IsDefault()) Header(u"version", Ascii(std::to_string(*macro.version)));
         if (!(macro.publishDate == xml::SystemTime{})) Header(u"publishDate", xml::FormatXmlDateTime(macro.publishDate));
         Block(macro.statements, u"Macro", 1);
         int index = 0;
@@ -463,6 +464,15 @@ private:
         if (grouped && e.members.empty() && text.size() >= 2 && text.front() == u'(' && text.back() == u')') {
             text = text.substr(1, text.size() - 2);
         }
+        // A tree from a file may hold what no text makes (an operator or a name the lexer does not
+        // know); written, it would read back as another tree or not at all.
+        const std::u16string printed = PrintText(e);
+        bool same = false;
+        try {
+            same = PrintText(*Parse(text)) == printed;
+        } catch (const ParseError&) {
+        }
+        if (!same) Fail(FormatMessage(kTextCannotWriteExpression, {path, printed}));
         return text;
     }
 

@@ -225,6 +225,13 @@ TEST(TextForm, TreesWithoutATextFormAreRefused) {
     EXPECT_EQ(WriteError(*macro), u"Macro/Function[1] cannot be written in the text form: 'a b' is not a name");
     macro = ImportMacroXml(u"<Macro><Expression><Var>a&#10;b</Var></Expression></Macro>");
     EXPECT_EQ(WriteError(*macro), u"Macro/Expression[1] cannot be written in the text form: it holds a line break");
+    macro = ImportMacroXml(u"<Macro><While><Condition><BinaryOp name=\"=~\"><Left>1</Left><Right>2</Right>"
+                           u"</BinaryOp></Condition></While></Macro>");
+    EXPECT_EQ(WriteError(*macro),
+              u"Macro/While[1] cannot be written in the text form: the expression (1 =~ 2) does not read back as it is");
+    macro = ImportMacroXml(u"<Macro><Break><Call name=\"If x\"/></Break></Macro>");
+    EXPECT_EQ(WriteError(*macro),
+              u"Macro/Break[1] cannot be written in the text form: the expression If x() does not read back as it is");
 }
 
 }  // namespace
