@@ -43,4 +43,37 @@ inline constexpr std::u16string_view kReadOnlyProperty =
 // Functions of the OneNote object model
 inline constexpr std::u16string_view kNoObjectModel = u"[1] needs a OneNote notebook: none is open in this run";
 
+// Statement interpreter
+inline constexpr std::u16string_view kElseWithoutIf = u"Else without If";
+inline constexpr std::u16string_view kUnexpectedCount = u"Unexpected [1] count at: [1] [2]";
+inline constexpr std::u16string_view kBreakWithoutLoop = u"Break statement encountered without For or While at: Break [1]";
+inline constexpr std::u16string_view kContinueWithoutLoop =
+    u"Continue statement encountered without For or While at: Continue [1]";
+// A Break or Continue count whose value is no number at all (an array, an object, a time).
+inline constexpr std::u16string_view kCountNotNumeric = u"Expected a Numeric count at: [1] [2]";
+// Function calls nested deeper than the interpreter allows ([2] is the limit).
+inline constexpr std::u16string_view kCallsTooDeep =
+    u"Function '[1]' cannot be called: more than [2] function calls are unfinished (endless recursion?)";
+// Blocks and calls nested so deeply that the run would exhaust the stack.
+inline constexpr std::u16string_view kBlocksNestedTooDeeply =
+    u"The macro is nested too deeply: its blocks and function calls would exhaust the stack";
+// What the user sees for a macro error that carries no text (a ForEach over a value that is no
+// array, a statement with no content): the error keeps its empty message, the report names the code.
+inline constexpr std::u16string_view kErrorWithoutText = u"Macro error (code 0xFFFFFFA0)";
+
+// Macro log lines
+inline constexpr std::u16string_view kLogSeparator =
+    u"------------------------------------------------------------------------";
+inline constexpr std::u16string_view kLogConditionTrue = u"\tCondition evaluated to true";
+inline constexpr std::u16string_view kLogConditionFalse = u"\tCondition evaluated to false";
+inline constexpr std::u16string_view kLogBreakingOutOf = u"Breaking out of ";
+inline constexpr std::u16string_view kLogRunningMacro = u"Running Macro \"[1]\"";
+inline constexpr std::u16string_view kLogPagesModified = u" pages are modified.";
+inline constexpr std::u16string_view kLogPagesWillBeSaved = u" They will now be saved to OneNote";
+inline constexpr std::u16string_view kLogUserRefusedSaving = u"User did not allow saving multiple pages";
+inline constexpr std::u16string_view kLogExitMacro = u"ExitMacro called, exiting macro ";
+inline constexpr std::u16string_view kLogExitSaving = u"after saving changes";
+inline constexpr std::u16string_view kLogExitNotSaving = u"without saving changes";
+inline constexpr std::u16string_view kErrorWhileRunning = u"Error while running macro: ";
+
 }  // namespace qm::msg

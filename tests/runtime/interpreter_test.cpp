@@ -1,0 +1,244 @@
+// The statement interpreter on its own: If/Else pairing through the shared flags, loop levels of
+// Break and Continue, the ForEach snapshot, cancellation and repainting between statements, and
+// the bounds on nesting and recursion.
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <thread>
+
+#include "core/format.h"
+#include "runtime/messages.h"
+#include "run_harness.h"
+
+namespace qm::test {
+namespace {
+
+struct Case {
+    const char* name;
+    const char16_t* text;
+    const char16_t* expectR;  // Describe of $r after the run (also after an error)
+    const char16_t* error;    // null: the run must finish
+};
+
+void PrintTo(const Case& c, std::ostream* os) { *os << c.name; }
+
+class InterpreterCases : public ::testing::TestWithParam<Case> {};
+
+TEST_P(InterpreterCases, RunsAsWritten) {
+    const Case& c = GetParam();
+    InterpreterRun run(c.text);
+    std::optional<std::u16string> error = run.Run();
+    if (c.error) {
+        ASSERT_TRUE(error.has_value());
+        EXPECT_EQ(ToUtf8(*error), ToUtf8(c.error));
+    } else {
+        EXPECT_FALSE(error.has_value()) << ToUtf8(error.value_or(u""));
+    }
+    EXPECT_EQ(ToUtf8(run.Var(u"r")), ToUtf8(c.expectR));
+}
+
+// An Else runs when the statement before it was an If whose condition was false; it is skipped
+// after a true one; anything else in between (or a second Else) leaves it without its If. The
+// flags are shared by all levels, so an Else after a loop pairs with the last If of the body.
+const Case kElseCases[] = {
+    {"ElseFirst", u"Else\n  $r = 1\n", u"<empty>", u"Else without If"},
+    {"ElseAfterComment", u"If 0\n  $r = 1\n// between\nElse\n  $r = 2\n", u"<empty>", u"Else without If"},
+    {"ElseAfterExpression", u"If 0\n  $r = 1\n$x = 1\nElse\n  $r = 2\n", u"<empty>", u"Else without If"},
+    {"FalseThenElse", u"If 0\n  $r = 1\nElse\n  $r = 2\n", u"2 (string)", nullptr},
+    {"TrueSkipsElse", u"If 1\n  $r = 1\nElse\n  $r = 2\n", u"1 (string)", nullptr},
+    {"SecondElse", u"If 0\n  $r = 1\nElse\n  $r = 2\nElse\n  $r = 3\n", u"2 (string)", u"Else without If"},
+    {"ElseAfterWhilePairsWithBodyIf",
+     u"$i = 0\nWhile $i < 2\n  $i += 1\n  If $i == 5\n    $r = 1\nElse\n  $r = 2\n", u"2 (string)", nullptr},
+    {"ElseAfterForEachTrueIf", u"ForEach $x in Array(1)\n  If 1\n    $r = 1\nElse\n  $r = 2\n", u"1 (string)",
+     nullptr},
+    {"ElseAfterEmptyLoop", u"If 0\n  $r = 1\nForEach $x in Array()\n  If 0\n    $r = 3\nElse\n  $r = 2\n",
+     u"<empty>", u"Else without If"},
+    // The If sets the flags only after its body: an Else first in the body still sees the
+    // earlier If's flags.
+    {"ElseFirstInBodySeesOuterFlags", u"If 0\n  $r = 1\nIf 1\n  Else\n    $r = 2\n", u"2 (string)", nullptr},
+    // A Break leaves the If unfinished: the flags are those the Break cleared.
+    {"ElseAfterBreakInIf", u"While 1\n  If 1\n    Break\nElse\n  $r = 2\n", u"<empty>", u"Else without If"},
+    // A function's Ifs do not pair with the caller's Else.
+    {"FunctionKeepsCallerFlags", u"If 0\n  $r = 1\n$x = F()\nElse\n  $r = 2\nFunction F()\n  If 0\n    $y = 1\n",
+     u"<empty>", u"Else without If"},
+    {"FunctionFlagsFresh", u"If 0\n  $r = 1\nElse\n  $r = F()\nFunction F()\n  Else\n    Return 3\n", u"<empty>",
+     u"Else without If"},
+};
+INSTANTIATE_TEST_SUITE_P(Else, InterpreterCases, ::testing::ValuesIn(kElseCases),
+                         [](const auto& info) { return std::string(info.param.name); });
+
+const Case kLoopCases[] = {
+    {"BreakZero", u"While 1\n  Break 0\n", u"<empty>", u"Unexpected Break count at: Break 0"},
+    {"ContinueZero", u"While 1\n  Continue 0\n", u"<empty>", u"Unexpected Continue count at: Continue 0"},
+    {"BreakUnsetIsZero", u"While 1\n  Break $nothing\n", u"<empty>", u"Unexpected Break count at: Break $nothing"},
+    {"BreakArray", u"While 1\n  Break Array(1)\n", u"<empty>", u"Expected a Numeric count at: Break Array(1)"},
+    {"BreakWithoutCountIsOne", u"$r = 0\nWhile 1\n  While 1\n    Break\n  $r += 1\n  Break\n", u"1 (integer)",
+     nullptr},
+    {"BreakTwoLeavesBoth", u"$r = 0\nWhile 1\n  While 1\n    $r += 1\n    Break 2\n  $r = 100\n", u"1 (integer)",
+     nullptr},
+    // A decimal count is rounded (3); a text count is read as a number ("3.4" is 3).
+    {"BreakThreeFromDecimal", u"$r = 0\nWhile 1\n  While 1\n    While 1\n      $r += 1\n      Break 2.6 + 0\n",
+     u"1 (integer)", nullptr},
+    {"BreakThreeFromText", u"$r = 0\nWhile 1\n  While 1\n    While 1\n      $r += 1\n      Break \"3.4\"\n",
+     u"1 (integer)", nullptr},
+    {"ContinueTwoGoesOnOutside",
+     u"$r = 0\nForEach $i in Array(1, 2, 3)\n  ForEach $j in Array(1, 2)\n    $r += 1\n    Continue 2\n  $r = 100\n",
+     u"3 (integer)", nullptr},
+    {"ContinueSkipsRest", u"$r = \"\"\nForEach $i in Array(1, 2, 3)\n  If $i == 2\n    Continue\n  $r &= $i\n",
+     u"13 (string)", nullptr},
+    {"WhileBreakInElse", u"$r = 0\nWhile 1\n  $r += 1\n  If $r < 3\n    $x = 0\n  Else\n    Break\n", u"3 (integer)",
+     nullptr},
+    // The snapshot: the loop visits the values the array held when it started.
+    {"ForEachAppendsToItself",
+     u"$a = Array(1, 2, 3)\n$r = 0\nForEach $x in $a\n  Array_PushBack($a, $x)\n  $r += 1\n$r &= \"/\" & "
+     u"Array_Length($a)\n",
+     u"3/6 (string)", nullptr},
+    {"ForEachChangedElement", u"$a = Array(1, 2, 3)\n$r = \"\"\nForEach $x in $a\n  $a[2] = 9\n  $r &= $x\n",
+     u"123 (string)", nullptr},
+    {"ForEachKeepsLastValue", u"ForEach $r in Array(\"a\", \"b\")\n  $y = 1\n", u"b (string)", nullptr},
+    {"ForEachUnsetIsEmptyArray", u"$r = 0\nForEach $x in $nothing\n  $r = 1\n", u"0 (string)", nullptr},
+    {"ForEachOverStringFails", u"$r = 1\nForEach $x in \"abc\"\n  $r = 2\n", u"1 (string)", u""},
+    {"ForEachSharesNestedArrays",
+     u"$a = Array(Array(1))\nForEach $x in $a\n  Array_PushBack($x, 2)\n$r = Array_Length($a[0])\n",
+     u"2 (integer)", nullptr},
+    {"BreakInFunctionTop", u"$r = F()\nFunction F()\n  Break 1\n", u"<empty>",
+     u"Break statement encountered without For or While at: Break 1"},
+    {"ContinueCrossesNoFunction", u"While 1\n  $r = F()\n  Break\nFunction F()\n  Continue\n", u"<empty>",
+     u"Continue statement encountered without For or While at: Continue "},
+    {"ReturnFromLoopInFunction",
+     u"$r = F()\nFunction F()\n  ForEach $x in Array(1, 2, 3)\n    While 1\n      If $x == 2\n        Return $x\n      "
+     u"Break\n",
+     u"2 (string)", nullptr},
+    {"ReturnAtTopEndsMacro", u"$r = 1\nReturn\n$r = 2\n", u"1 (string)", nullptr},
+    {"WrongArgumentCount", u"$r = F(1)\nFunction F($a, $b)\n  Return $a\n", u"<empty>",
+     u"Function 'F' takes 2 parameters, 1 provided"},
+    {"EndlessRecursion", u"$r = F(0)\nFunction F($n)\n  Return F($n + 1)\n", u"<empty>",
+     u"Function 'F' cannot be called: more than 200 function calls are unfinished (endless recursion?)"},
+};
+INSTANTIATE_TEST_SUITE_P(Loops, InterpreterCases, ::testing::ValuesIn(kLoopCases),
+                         [](const auto& info) { return std::string(info.param.name); });
+
+TEST(Interpreter, StrayBreakLeavesAsException) {
+    InterpreterRun run(u"$r = 0\nWhile 1\n  $r += 1\n  Break 2\n");
+    Interpreter interpreter(run.context, run.services, *run.macro);
+    try {
+        interpreter.executeMacro();
+        FAIL() << "no exception";
+    } catch (const Macro::BreakException& e) {
+        EXPECT_EQ(e.levels(), 1u);
+        EXPECT_EQ(e.context(), &run.context);
+        EXPECT_EQ(ToUtf8(Interpreter::StrayBreakMessage(e.expression())),
+                  "Break statement encountered without For or While at: Break 2");
+    }
+    EXPECT_EQ(ToUtf8(run.Var(u"r")), "1 (integer)");
+}
+
+TEST(Interpreter, StrayContinueLeavesAsException) {
+    InterpreterRun run(u"Continue $n + 1\n");
+    Interpreter interpreter(run.context, run.services, *run.macro);
+    try {
+        interpreter.executeMacro();
+        FAIL() << "no exception";
+    } catch (const Macro::ContinueException& e) {
+        EXPECT_EQ(ToUtf8(Interpreter::StrayContinueMessage(e.expression())),
+                  "Continue statement encountered without For or While at: Continue ($n + 1)");
+    }
+}
+
+TEST(Interpreter, StatementWithoutContentFailsWithoutText) {
+    InterpreterRun run(u"$r = 1\n");
+    run.macro->statements.Add(std::make_shared<M2::Statement>());
+    EXPECT_EQ(run.Run(), std::u16string());
+    EXPECT_EQ(ToUtf8(run.Var(u"r")), "1 (string)");
+}
+
+TEST(Interpreter, MissingExpressionsActAsEmpty) {
+    InterpreterRun run(u"If 1\n  $r = 1\nWhile 1\n  $r = 2\nForEach $x in Array(1)\n  $r = 3\n");
+    run.macro->statements[0]->ifStatement->condition = nullptr;
+    run.macro->statements[1]->whileStatement->condition = nullptr;
+    run.macro->statements[2]->forEach->array = nullptr;
+    EXPECT_FALSE(run.Run().has_value());
+    EXPECT_EQ(ToUtf8(run.Var(u"r")), "<empty>");
+}
+
+TEST(Interpreter, CancelBeforeFirstStatement) {
+    InterpreterRun run(u"$r = 1\n");
+    run.progress.cancel = true;
+    EXPECT_THROW(run.Run(), RunCancelled);
+    EXPECT_EQ(ToUtf8(run.Var(u"r")), "<empty>");
+}
+
+TEST(Interpreter, CancelStopsEndlessWhile) {
+    InterpreterRun run(u"$r = 0\nWhile 1\n  $r += 1\n");
+    std::thread canceller([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(30));
+        run.progress.cancel = true;
+    });
+    EXPECT_THROW(run.Run(), RunCancelled);
+    canceller.join();
+    EXPECT_GT(run.context.variables.Variable(u"r").AsInteger(), 0);
+}
+
+TEST(Interpreter, CancelInsideFunction) {
+    InterpreterRun run(u"$r = F()\nFunction F()\n  $n = 0\n  While 1\n    $n += 1\n    If $n == 1000\n      $x = G()\n"
+                       u"Function G()\n  Return 1\n");
+    run.services.macroName = u"m";
+    run.progress.cancel = false;
+    std::thread canceller([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(30));
+        run.progress.cancel = true;
+    });
+    EXPECT_THROW(run.Run(), RunCancelled);
+    canceller.join();
+    // The call was cut short: the assignment never happened.
+    EXPECT_EQ(ToUtf8(run.Var(u"r")), "<empty>");
+}
+
+TEST(Interpreter, RepaintsAtMostEvery50Milliseconds) {
+    InterpreterRun run(u"$i = 0\nWhile $i < 1000000000\n  $i += 1\n");
+    run.options.progressInUse = true;
+    std::thread canceller([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(260));
+        run.progress.cancel = true;
+    });
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_THROW(run.Run(), RunCancelled);
+    const auto elapsed = std::chrono::steady_clock::now() - start;
+    canceller.join();
+    EXPECT_GE(run.progress.repaints, 1);
+    EXPECT_LE(run.progress.repaints, elapsed / std::chrono::milliseconds(50) + 1);
+}
+
+TEST(Interpreter, NoRepaintWhenProgressNotInUse) {
+    InterpreterRun run(u"$i = 0\nWhile $i < 20000\n  $i += 1\n");
+    EXPECT_FALSE(run.Run().has_value());
+    EXPECT_EQ(run.progress.repaints, 0);
+    EXPECT_EQ(run.context.statementsRun, 20002u);
+}
+
+// Deep blocks inside deep recursion: the run stops with a macro error, never with the stack.
+TEST(Interpreter, DeepNestingInRecursionEndsWithError) {
+    std::u16string text = u"$r = F(0)\nFunction F($n)\n";
+    std::u16string indent = u"  ";
+    for (int i = 0; i < 150; ++i) {
+        text += indent + u"If 1\n";
+        indent += u"  ";
+    }
+    text += indent + u"Return F($n + 1)\n";
+    InterpreterRun run(text);
+    std::optional<std::u16string> error = run.Run();
+    ASSERT_TRUE(error.has_value());
+    const bool bounded = *error == msg::kBlocksNestedTooDeeply ||
+                         *error == FormatMessage(msg::kCallsTooDeep, {u"F", u"200"});
+    EXPECT_TRUE(bounded) << ToUtf8(*error);
+}
+
+// Recursion as deep as the limit allows works.
+TEST(Interpreter, RecursionUpToTheLimit) {
+    InterpreterRun run(u"$r = F(199)\nFunction F($n)\n  If $n == 0\n    Return 0\n  Return 1 + F($n - 1)\n");
+    EXPECT_FALSE(run.Run().has_value());
+    EXPECT_EQ(ToUtf8(run.Var(u"r")), "199 (integer)");
+}
+
+}  // namespace
+}  // namespace qm::test
