@@ -75,13 +75,14 @@ ReadResult RunReadLoop(ElementHandler& handler, ReadSession& session) {
 
     if (reader.MoveToFirstAttribute()) {
         do {
-            handler.Attribute(reader.localName(), reader.value());
+            handler.Attribute(reader.localName(), reader.value(), reader);
         } while (reader.MoveToNextAttribute());
         reader.MoveToElement();
     }
 
     if (!reader.isEmptyElement()) {
-        TextCollector text(handler.WantsText());
+        const bool wantsText = handler.WantsText();
+        TextCollector text(wantsText);
         bool declarationSeen = false;
         bool ended = false;
         while (!ended && reader.Read()) {
@@ -95,8 +96,13 @@ ReadResult RunReadLoop(ElementHandler& handler, ReadSession& session) {
                     ended = result == ReadResult::Finished;
                     break;
                 }
-                case NodeType::Text: text.OnText(reader.value(), false); break;
-                case NodeType::CDATA: text.OnText(reader.value(), true); break;
+                case NodeType::Text:
+                case NodeType::CDATA: {
+                    const bool cdata = reader.nodeType() == NodeType::CDATA;
+                    text.OnText(reader.value(), cdata);
+                    if (!wantsText) handler.StrayText(reader.value(), cdata);
+                    break;
+                }
                 case NodeType::Whitespace: text.OnBlank(reader.value()); break;
                 case NodeType::EndElement: ended = true; break;
                 case NodeType::XmlDeclaration: declarationSeen = true; break;

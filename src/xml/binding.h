@@ -16,6 +16,15 @@
 //    unless they touch other text (a text or CDATA node directly before or after them) or the
 //    element has no child elements at all.
 // When an element's read ends, the context's element-end callback is told.
+//
+// A schema that must not lose what it does not model (documents another program owns and takes
+// back) sets `kKeepUnknown` in its bindings and gives its element types an `Unknowns unknown`
+// member (raw_content.h). Reading such an element differs in three ways: attributes no field
+// claims are kept (namespace declarations aside, which the writer makes again where needed), and
+// prefixed attributes are never matched to fields; a child element that is not in the element's
+// own namespace, or that no field claims, is kept whole, in its place, instead of having its
+// children offered to the element (so a list never closes because of an element it does not
+// know); text in an element without a text field is kept likewise.
 #pragma once
 
 #include <array>
@@ -26,6 +35,7 @@
 
 #include "xml/element.h"
 #include "xml/fields.h"
+#include "xml/raw_content.h"
 
 namespace qm::xml {
 
@@ -38,10 +48,13 @@ class ElementHandler {
 public:
     virtual std::u16string_view Name() const = 0;
     virtual void Begin(ReadSession& session) = 0;
-    virtual void Attribute(std::u16string_view name, std::u16string_view value) = 0;
+    // The reader is on the attribute.
+    virtual void Attribute(std::u16string_view name, std::u16string_view value, XmlReader& reader) = 0;
     virtual ReadResult Child(std::u16string_view name, ReadSession& session) = 0;
     virtual bool WantsText() const = 0;
     virtual void Text(std::u16string text, bool cdata) = 0;
+    // Text in an element that has no text field.
+    virtual void StrayText(std::u16string_view text, bool cdata) = 0;
     virtual ReadResult ReadAgain(ReadSession& session) = 0;
     virtual void Finish(ReadSession& session) = 0;
 
@@ -73,6 +86,12 @@ std::u16string_view NamespaceOf() {
 }
 
 template <class E>
+concept KeepsUnknown = requires(E& e) {
+    { Binding<E>::kKeepUnknown } -> std::convertible_to<bool>;
+    { e.unknown } -> std::convertible_to<Unknowns&>;
+} && Binding<E>::kKeepUnknown;
+
+template <class E>
 class ElementReader final : public ElementHandler {
     using Fields = std::remove_cvref_t<decltype(Binding<E>::kFields)>;
     static constexpr std::size_t kCount = std::tuple_size_v<Fields>;
@@ -84,22 +103,40 @@ public:
 
     void Begin(ReadSession& session) override {
         if constexpr (std::derived_from<E, ChildElement>) {
-            element_.source = session.context().source;
-            element_.position = session.context().position;
-            element_.present = true;
+            // Through the header: a schema may well have an attribute or child named "position".
+            ChildElement& header = element_;
+            header.source = session.context().source;
+            header.position = session.context().position;
+            header.present = true;
         }
         if constexpr (requires { Binding<E>::Begin(element_, session); }) Binding<E>::Begin(element_, session);
     }
 
-    void Attribute(std::u16string_view name, std::u16string_view value) override {
-        std::apply(
-            [&](const auto&... field) {
-                (void)(ReadAttributeInto(field, name, value) || ...);
-            },
-            Binding<E>::kFields);
+    void Attribute(std::u16string_view name, std::u16string_view value, XmlReader& reader) override {
+        if constexpr (KeepsUnknown<E>) {
+            const std::u16string_view prefix = reader.prefix();
+            if (prefix.empty() && ClaimAttribute(name, value)) return;
+            const std::u16string_view ns = reader.namespaceUri();
+            if (ns == kXmlnsNamespace) return;
+            element_.unknown.AddAttribute(RawAttribute{std::u16string(prefix), std::u16string(name),
+                                                       std::u16string(ns), std::u16string(value)});
+        } else {
+            ClaimAttribute(name, value);
+        }
     }
 
     ReadResult Child(std::u16string_view name, ReadSession& session) override {
+        if constexpr (KeepsUnknown<E>) {
+            if (session.reader().namespaceUri() == NamespaceOf<E>() && KnowsChild(name)) {
+                const ReadResult result = Offer(name, session, std::make_index_sequence<kCount>{});
+                if (result != ReadResult::NotMine) {
+                    lastChild_ = session.lastElement();
+                    return result;
+                }
+            }
+            element_.unknown.AddChild(lastChild_, RawNode::Capture(session));
+            return ReadResult::Handled;
+        }
         std::u16string advanced;
         for (int offer = 1;; ++offer) {
             const ReadResult result = Offer(name, session, std::make_index_sequence<kCount>{});
@@ -127,9 +164,14 @@ public:
             Binding<E>::kFields);
     }
 
+    void StrayText(std::u16string_view text, bool cdata) override {
+        if constexpr (KeepsUnknown<E>) element_.unknown.AddChild(lastChild_, RawNode::MakeText(std::u16string(text), cdata));
+    }
+
     ReadResult ReadAgain(ReadSession& session) override { return ReadElement(element_, name_, session); }
 
     void Finish(ReadSession& session) override {
+        session.SetLastElement(&element_);
         if constexpr (requires { Binding<E>::End(element_, session); }) Binding<E>::End(element_, session);
         if (const auto& callback = session.context().onElementEnd) {
             const ChildElement* header = nullptr;
@@ -142,6 +184,25 @@ private:
     template <class F>
     static constexpr Phase FieldPhase(const F&) {
         return F::kPhase;
+    }
+
+    bool ClaimAttribute(std::u16string_view name, std::u16string_view value) {
+        return std::apply([&](const auto&... field) { return (ReadAttributeInto(field, name, value) || ...); },
+                          Binding<E>::kFields);
+    }
+
+    bool KnowsChild(std::u16string_view name) const {
+        return std::apply([&](const auto&... field) { return (FieldKnows(field, name) || ...); },
+                          Binding<E>::kFields);
+    }
+
+    template <class F>
+    static bool FieldKnows(const F& field, std::u16string_view name) {
+        if constexpr (F::kPhase == Phase::Child) {
+            return field.Knows(name);
+        } else {
+            return false;
+        }
     }
 
     template <class F>
@@ -196,27 +257,13 @@ private:
     E& element_;
     std::u16string_view name_;
     std::array<bool, kCount + 1> closed_{};  // per list field: the sequence rule has closed it
+    const void* lastChild_ = nullptr;        // the modelled child read last (kKeepUnknown)
 };
 
 template <class E>
 ReadResult ReadElement(E& element, std::u16string_view name, ReadSession& session) {
     ElementReader<E> handler(element, name);
     return RunReadLoop(handler, session);
-}
-
-// Attributes (unless skipped), then children, then text.
-template <class E>
-void WriteContent(const E& element, XmlWriter& writer, bool skipAttributes) {
-    const auto writePhase = [&](Phase phase) {
-        std::apply(
-            [&](const auto&... field) {
-                (WriteField(field, element, writer, phase), ...);
-            },
-            Binding<E>::kFields);
-    };
-    if (!skipAttributes) writePhase(Phase::Attribute);
-    writePhase(Phase::Child);
-    writePhase(Phase::Text);
 }
 
 template <class F, class E>
@@ -227,6 +274,53 @@ void WriteField(const F& field, const E& element, XmlWriter& writer, Phase phase
     } else {
         field.Write(element, writer);
     }
+}
+
+template <class E>
+void WritePhase(const E& element, XmlWriter& writer, Phase phase) {
+    std::apply([&](const auto&... field) { (WriteField(field, element, writer, phase), ...); }, Binding<E>::kFields);
+}
+
+// The attributes alone, kept ones included.
+template <class E>
+void WriteAttributes(const E& element, XmlWriter& writer) {
+    WritePhase(element, writer, Phase::Attribute);
+    if constexpr (KeepsUnknown<E>) element.unknown.WriteAttributes(writer);
+}
+
+// Visits the element's children in field order, as (child, name).
+template <class E, class V>
+void EachChild(const E& element, V&& visit) {
+    std::apply(
+        [&](const auto&... field) {
+            (
+                [&](const auto& f) {
+                    if constexpr (std::remove_cvref_t<decltype(f)>::kPhase == Phase::Child) f.Each(element, visit);
+                }(field),
+                ...);
+        },
+        Binding<E>::kFields);
+}
+
+// Attributes (unless skipped), then children, then text.
+template <class E>
+void WriteContent(const E& element, XmlWriter& writer, bool skipAttributes) {
+    if (!skipAttributes) WriteAttributes(element, writer);
+    if constexpr (KeepsUnknown<E>) {
+        if (element.unknown.hasChildren()) {
+            PlacedWriter placed(element.unknown, writer);
+            EachChild(element, [&](const auto& child, std::u16string_view name) {
+                WriteElement(child, name, writer);
+                placed.After(&child);
+            });
+            placed.Finish();
+        } else {
+            WritePhase(element, writer, Phase::Child);
+        }
+    } else {
+        WritePhase(element, writer, Phase::Child);
+    }
+    WritePhase(element, writer, Phase::Text);
 }
 
 template <class E>

@@ -84,10 +84,16 @@ public:
     // Raises XmlError at the reader's position.
     [[noreturn]] void Fail(std::u16string message) const;
 
+    // The element whose read ended last (its object's address): right after a field has read a
+    // child, that child.
+    const void* lastElement() const { return lastElement_; }
+    void SetLastElement(const void* element) { lastElement_ = element; }
+
 private:
     XmlReader& reader_;
     const ReadContext& context_;
     int depth_ = 0;
+    const void* lastElement_ = nullptr;
     std::vector<std::pair<const void*, int>> counters_;
 };
 
@@ -150,6 +156,9 @@ public:
     using value_type = std::shared_ptr<E>;
 
     ChildList() = default;
+    // A list that knows the element holding it from the start (a list read from a document learns
+    // it when its first element is read).
+    explicit ChildList(Container* holder) { owner = holder; }
     ChildList(const ChildList&) = delete;
     ChildList& operator=(const ChildList&) = delete;
 

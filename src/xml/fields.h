@@ -15,6 +15,7 @@
 #include <concepts>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <tuple>
@@ -47,6 +48,11 @@ template <class T>
 void FromXml(std::u16string_view text, Defaulted<T>& out) {
     FromXml(text, out.value);
 }
+// An optional attribute: absent when the document does not have it, and then not written.
+template <class T>
+void FromXml(std::u16string_view text, std::optional<T>& out) {
+    FromXml(text, out.emplace());
+}
 
 inline const std::u16string& ToXml(const std::u16string& value) { return value; }
 inline std::u16string ToXml(bool value) { return FormatXmlBool(value); }
@@ -56,6 +62,10 @@ template <class T>
 decltype(auto) ToXml(const Defaulted<T>& value) {
     return ToXml(value.value);
 }
+template <class T>
+decltype(auto) ToXml(const std::optional<T>& value) {
+    return ToXml(*value);
+}
 
 template <class T>
 bool Omitted(const T&) {
@@ -64,6 +74,10 @@ bool Omitted(const T&) {
 template <class T>
 bool Omitted(const Defaulted<T>& value) {
     return value.IsDefault();
+}
+template <class T>
+bool Omitted(const std::optional<T>& value) {
+    return !value.has_value();
 }
 
 // --- helpers shared by child fields -----------------------------------------------------------
@@ -169,6 +183,13 @@ struct SlotField {
     void Write(const E& e, XmlWriter& writer) const {
         if (const auto& child = e.*member) WriteElement(*child, name, writer);
     }
+    // Child fields also answer whether they take an element of a name at all, and visit the
+    // elements they hold in order, as (element, name).
+    bool Knows(std::u16string_view actual) const { return actual == name; }
+    template <class V>
+    void Each(const E& e, V&& visit) const {
+        if (const auto& child = e.*member) visit(*child, name);
+    }
 };
 
 template <class E, class C>
@@ -214,6 +235,13 @@ struct ListField {
             if (child) WriteElement(*child, name, writer);
         }
     }
+    bool Knows(std::u16string_view actual) const { return actual == name; }
+    template <class V>
+    void Each(const E& e, V&& visit) const {
+        for (const auto& child : e.*member) {
+            if (child) visit(*child, name);
+        }
+    }
 };
 
 template <class E, class L>
@@ -241,6 +269,10 @@ struct SlotAlternative {
     }
     void Write(const G& group, XmlWriter& writer) const {
         if (const auto& child = group.*slot) WriteElement(*child, name, writer);
+    }
+    template <class V>
+    void Each(const G& group, V&& visit) const {
+        if (const auto& child = group.*slot) visit(*child, name);
     }
 };
 
@@ -273,6 +305,13 @@ struct ChoiceListField {
             std::apply([&](const auto&... alt) { (alt.Write(*group, writer), ...); }, Binding<G>::kAlternatives);
         }
     }
+    bool Knows(std::u16string_view actual) const { return IsAlternativeName(Binding<G>::kAlternatives, actual); }
+    template <class V>
+    void Each(const E& e, V&& visit) const {
+        for (const auto& group : e.*member) {
+            std::apply([&](const auto&... alt) { (alt.Each(*group, visit), ...); }, Binding<G>::kAlternatives);
+        }
+    }
 };
 
 template <class E, class G>
@@ -298,12 +337,16 @@ struct VariantAlternative {
     }
     template <class V>
     void Write(const V& choice, XmlWriter& writer) const {
+        Each(choice, [&](const auto& child, std::u16string_view n) { WriteElement(child, n, writer); });
+    }
+    template <class V, class F>
+    void Each(const V& choice, F&& visit) const {
         const T* held = std::get_if<T>(&choice);
         if (held == nullptr) return;
         if constexpr (IsSharedPtr<T>::value) {
-            if (*held) WriteElement(**held, name, writer);
+            if (*held) visit(**held, name);
         } else {
-            WriteElement(*held, name, writer);
+            visit(*held, name);
         }
     }
 };
@@ -331,6 +374,11 @@ struct VariantChoiceField {
     }
     void Write(const E& e, XmlWriter& writer) const {
         std::apply([&](const auto&... alt) { (alt.Write(e.*member, writer), ...); }, alternatives);
+    }
+    bool Knows(std::u16string_view actual) const { return IsAlternativeName(alternatives, actual); }
+    template <class F>
+    void Each(const E& e, F&& visit) const {
+        std::apply([&](const auto&... alt) { (alt.Each(e.*member, visit), ...); }, alternatives);
     }
 };
 
@@ -364,6 +412,13 @@ struct VariantChoiceListField {
     void Write(const E& e, XmlWriter& writer) const {
         for (const V& choice : e.*member) {
             std::apply([&](const auto&... alt) { (alt.Write(choice, writer), ...); }, alternatives);
+        }
+    }
+    bool Knows(std::u16string_view actual) const { return IsAlternativeName(alternatives, actual); }
+    template <class F>
+    void Each(const E& e, F&& visit) const {
+        for (const V& choice : e.*member) {
+            std::apply([&](const auto&... alt) { (alt.Each(choice, visit), ...); }, alternatives);
         }
     }
 };

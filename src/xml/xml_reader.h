@@ -39,6 +39,10 @@ public:
     virtual NodeType nodeType() const = 0;
     // Of the current node, or of the current attribute while on one. Valid until the next move.
     virtual std::u16string_view localName() const = 0;
+    // The prefix as written ("one" in one:Page), and the namespace the name is in (empty for none).
+    // A namespace declaration attribute is in the namespace kXmlnsNamespace.
+    virtual std::u16string_view prefix() const = 0;
+    virtual std::u16string_view namespaceUri() const = 0;
     virtual std::u16string_view value() const = 0;
     // A self-closing start tag (no EndElement follows).
     virtual bool isEmptyElement() const = 0;
@@ -53,10 +57,20 @@ public:
     virtual int column() const = 0;
 };
 
+inline constexpr std::u16string_view kXmlnsNamespace = u"http://www.w3.org/2000/xmlns/";
+
+struct ReaderOptions {
+    // Characters XML 1.0 cannot carry (control characters other than tab, line feed and carriage
+    // return, unpaired surrogates, U+FFFE, U+FFFF) are accepted where text can stand: raw, or as
+    // character references outside CDATA sections. Values then hand them out as they were. Some
+    // producers (OneNote among them) write them into page text; without this they fail the read.
+    bool acceptIllegalCharacters = false;
+};
+
 // A reader over an in-memory UTF-16 document. The document is declared when it starts with
 // "<?xml" and a blank (after an optional byte order mark): the reader then reports an
 // XmlDeclaration node first. Document type declarations are refused, external resources are never
 // loaded and entities are never expanded.
-std::unique_ptr<XmlReader> CreateStringXmlReader(std::u16string_view text);
+std::unique_ptr<XmlReader> CreateStringXmlReader(std::u16string_view text, const ReaderOptions& options = {});
 
 }  // namespace qm::xml

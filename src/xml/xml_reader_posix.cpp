@@ -10,6 +10,7 @@
 #include "core/format.h"
 #include "core/text.h"
 #include "xml/messages.h"
+#include "xml/xml_chars.h"
 #include "xml/xml_error.h"
 #include "xml/xml_reader.h"
 
@@ -69,8 +70,9 @@ std::pair<int, int> LineAndColumn(std::u16string_view text, std::size_t offset) 
     return {line, static_cast<int>(offset - lineStart) + 1};
 }
 
-// libxml2 hands out valid UTF-8 only.
-void AssignFromUtf8(std::u16string& out, const xmlChar* text) {
+// libxml2 hands out valid UTF-8 only. With `unshield`, shielded characters (xml_chars.h) come
+// back as what they stand for.
+void AssignFromUtf8(std::u16string& out, const xmlChar* text, bool unshield = false) {
     out.clear();
     if (text == nullptr) return;
     const auto* p = reinterpret_cast<const unsigned char*>(text);
@@ -81,6 +83,12 @@ void AssignFromUtf8(std::u16string& out, const xmlChar* text) {
         ++p;
         for (; extra > 0 && *p != 0; --extra, ++p) c = (c << 6) | (*p & 0x3F);
         if (c >= 0x10000) {
+            if (unshield) {
+                if (const auto unit = Unshield(c)) {
+                    out += *unit;
+                    continue;
+                }
+            }
             c -= 0x10000;
             out += static_cast<char16_t>(0xD800 + (c >> 10));
             out += static_cast<char16_t>(0xDC00 + (c & 0x3FF));
@@ -125,7 +133,8 @@ private:
 
 class LibXmlReader final : public XmlReader {
 public:
-    explicit LibXmlReader(std::u16string_view text) : declared_(StartsWithDeclaration(text)) {
+    LibXmlReader(std::u16string_view text, const ReaderOptions& options)
+        : declared_(StartsWithDeclaration(text)), unshield_(options.acceptIllegalCharacters) {
         static const bool initialized = (xmlInitParser(), true);
         (void)initialized;
         // A null character is never part of XML; refused here, it cannot mislead the parser's
@@ -138,12 +147,17 @@ public:
             const auto [line, column] = LineAndColumn(text, *doctype);
             throw XmlError(std::u16string(msg::kDtdProhibited), line, column);
         }
-        utf8_ = ToUtf8(text);
+        if (unshield_) {
+            const auto shielded = ShieldIllegalCharacters(text);
+            utf8_ = ToUtf8(shielded ? std::u16string_view(*shielded) : text);
+        } else {
+            utf8_ = ToUtf8(text);
+        }
         // No entity substitution, no DTD loading, no network. HUGE lifts libxml2's own nesting cap
         // of 256 (too low for a deep expression); Read applies kMaxElementDepth instead.
         MuteGenericErrors mute;
-        const int options = XML_PARSE_NONET | XML_PARSE_HUGE | XML_PARSE_IGNORE_ENC | XML_PARSE_NOXINCNODE;
-        reader_ = xmlReaderForMemory(utf8_.data(), static_cast<int>(utf8_.size()), nullptr, "UTF-8", options);
+        const int parseOptions = XML_PARSE_NONET | XML_PARSE_HUGE | XML_PARSE_IGNORE_ENC | XML_PARSE_NOXINCNODE;
+        reader_ = xmlReaderForMemory(utf8_.data(), static_cast<int>(utf8_.size()), nullptr, "UTF-8", parseOptions);
         if (reader_ == nullptr) throw XmlError(std::u16string(msg::kReaderFailed), 0, 0);
         xmlTextReaderSetStructuredErrorHandler(reader_, &LibXmlReader::OnError, this);
     }
@@ -198,9 +212,29 @@ public:
         return name_;
     }
 
+    std::u16string_view prefix() const override {
+        if (type_ == NodeType::XmlDeclaration || type_ == NodeType::None) return {};
+        const xmlChar* raw = xmlTextReaderConstPrefix(reader_);
+        if (raw != lastPrefix_) {
+            lastPrefix_ = raw;
+            AssignFromUtf8(prefix_, raw);
+        }
+        return prefix_;
+    }
+
+    std::u16string_view namespaceUri() const override {
+        if (type_ == NodeType::XmlDeclaration || type_ == NodeType::None) return {};
+        const xmlChar* raw = xmlTextReaderConstNamespaceUri(reader_);
+        if (raw != lastNamespace_) {
+            lastNamespace_ = raw;
+            AssignFromUtf8(namespace_, raw);
+        }
+        return namespace_;
+    }
+
     std::u16string_view value() const override {
         if (type_ == NodeType::XmlDeclaration || type_ == NodeType::None) return {};
-        AssignFromUtf8(value_, xmlTextReaderConstValue(reader_));
+        AssignFromUtf8(value_, xmlTextReaderConstValue(reader_), unshield_);
         return value_;
     }
 
@@ -256,18 +290,23 @@ private:
     std::string utf8_;
     xmlTextReaderPtr reader_ = nullptr;
     bool declared_;
+    bool unshield_;
     bool onAttribute_ = false;
     NodeType type_ = NodeType::None;
     std::optional<XmlError> error_;
     mutable const xmlChar* lastName_ = nullptr;
     mutable std::u16string name_;
+    mutable const xmlChar* lastPrefix_ = nullptr;
+    mutable std::u16string prefix_;
+    mutable const xmlChar* lastNamespace_ = nullptr;
+    mutable std::u16string namespace_;
     mutable std::u16string value_;
 };
 
 }  // namespace
 
-std::unique_ptr<XmlReader> CreateStringXmlReader(std::u16string_view text) {
-    return std::make_unique<LibXmlReader>(text);
+std::unique_ptr<XmlReader> CreateStringXmlReader(std::u16string_view text, const ReaderOptions& options) {
+    return std::make_unique<LibXmlReader>(text, options);
 }
 
 }  // namespace qm::xml

@@ -5,6 +5,7 @@
 #include "core/format.h"
 #include "core/text.h"
 #include "xml/messages.h"
+#include "xml/xml_chars.h"
 #include "xml/xml_error.h"
 #include "xml/xml_reader.h"
 
@@ -14,16 +15,18 @@ namespace {
 
 constexpr char16_t kReplacement = u'\xFFFD';
 
-bool IsHighSurrogate(char16_t c) { return c >= 0xD800 && c <= 0xDBFF; }
-bool IsLowSurrogate(char16_t c) { return c >= 0xDC00 && c <= 0xDFFF; }
-
-// Whether text[i] can stand in an XML 1.0 document; a valid surrogate pair counts as one.
-bool IsXmlChar(std::u16string_view text, std::size_t i) {
-    const char16_t c = text[i];
-    if (c < 0x20) return c == u'\t' || c == u'\n' || c == u'\r';
-    if (IsHighSurrogate(c)) return i + 1 < text.size() && IsLowSurrogate(text[i + 1]);
-    if (IsLowSurrogate(c)) return i > 0 && IsHighSurrogate(text[i - 1]);
-    return c != 0xFFFE && c != 0xFFFF;
+void AppendReference(std::u16string& out, char16_t c) {
+    static constexpr char16_t kHex[] = u"0123456789ABCDEF";
+    out += u"&#x";
+    bool started = false;
+    for (int shift = 12; shift >= 0; shift -= 4) {
+        const unsigned digit = (c >> shift) & 0xF;
+        if (digit != 0 || started || shift == 0) {
+            out += kHex[digit];
+            started = true;
+        }
+    }
+    out += u';';
 }
 
 bool IsBlankOnly(std::u16string_view text) {
@@ -33,7 +36,7 @@ bool IsBlankOnly(std::u16string_view text) {
 
 }  // namespace
 
-void AppendEscaped(std::u16string& out, std::u16string_view text, EscapeMode mode) {
+void AppendEscaped(std::u16string& out, std::u16string_view text, EscapeMode mode, IllegalCharacters illegal) {
     const bool attribute = mode == EscapeMode::Attribute;
     for (std::size_t i = 0; i < text.size(); ++i) {
         const char16_t c = text[i];
@@ -53,14 +56,31 @@ void AppendEscaped(std::u16string& out, std::u16string_view text, EscapeMode mod
                 break;
             default: break;
         }
-        out += IsXmlChar(text, i) ? c : kReplacement;
+        if (IsXmlChar(text, i)) {
+            out += c;
+        } else if (illegal == IllegalCharacters::Reference && c != 0) {
+            AppendReference(out, c);
+        } else {
+            out += kReplacement;
+        }
     }
 }
 
-XmlWriter::XmlWriter(XmlSink& sink, bool indent) : sink_(sink), indent_(indent) {}
+XmlWriter::XmlWriter(XmlSink& sink, bool indent) : XmlWriter(sink, WriterOptions{indent}) {}
 
-void XmlWriter::WriteDeclaration() {
-    Put(u"<?xml version=\"1.0\" encoding=\"utf-16\"?>");
+XmlWriter::XmlWriter(XmlSink& sink, const WriterOptions& options)
+    : sink_(sink), indent_(options.indent), newline_(options.newline), illegal_(options.illegal) {}
+
+void XmlWriter::WriteDeclaration() { WriteDeclaration(u"utf-16"); }
+
+void XmlWriter::WriteDeclaration(std::u16string_view encoding) {
+    Put(u"<?xml version=\"1.0\"");
+    if (!encoding.empty()) {
+        Put(u" encoding=\"");
+        Put(encoding);
+        Put(u"\"");
+    }
+    Put(u"?>");
     wroteSomething_ = true;
 }
 
@@ -72,7 +92,7 @@ void XmlWriter::CloseStartTag() {
 }
 
 void XmlWriter::NewLine(std::size_t level) {
-    scratch_.assign(u"\r\n");
+    scratch_.assign(newline_);
     scratch_.append(level * 2, u' ');
     Put(scratch_);
 }
@@ -115,9 +135,20 @@ void XmlWriter::WriteAttribute(std::u16string_view name, std::u16string_view val
     scratch_.assign(u" ");
     scratch_ += name;
     scratch_ += u"=\"";
-    AppendEscaped(scratch_, value, EscapeMode::Attribute);
+    AppendEscaped(scratch_, value, EscapeMode::Attribute, illegal_);
     scratch_ += u'"';
     Put(scratch_);
+}
+
+void XmlWriter::DeclareNamespace(std::u16string_view prefix, std::u16string_view namespaceUri) {
+    if (open_.empty() || !open_.back().startTagOpen) return;
+    const auto inScope = std::find_if(namespaces_.rbegin(), namespaces_.rend(),
+                                      [&](const auto& ns) { return ns.first == prefix; });
+    const std::u16string_view current = inScope == namespaces_.rend() ? std::u16string_view() : inScope->second;
+    if (current == namespaceUri) return;
+    if (namespaceUri.empty() && !prefix.empty()) return;  // a prefix cannot be undeclared in XML 1.0
+    namespaces_.emplace_back(std::u16string(prefix), std::u16string(namespaceUri));
+    WriteAttribute(prefix.empty() ? u"xmlns" : u"xmlns:" + std::u16string(prefix), namespaceUri);
 }
 
 void XmlWriter::WriteString(std::u16string_view text) {
@@ -129,7 +160,7 @@ void XmlWriter::WriteString(std::u16string_view text) {
     CloseStartTag();
     if (!open_.empty()) open_.back().mixed = true;
     scratch_.clear();
-    AppendEscaped(scratch_, text, EscapeMode::Text);
+    AppendEscaped(scratch_, text, EscapeMode::Text, illegal_);
     Put(scratch_);
 }
 
@@ -144,8 +175,14 @@ void XmlWriter::WriteCData(std::u16string_view text) {
         } else if (c == u']' && text.substr(i).starts_with(u"]]>")) {
             scratch_ += u"]]]]><![CDATA[>";
             i += 2;
+        } else if (IsXmlChar(text, i)) {
+            scratch_ += c;
+        } else if (illegal_ == IllegalCharacters::Reference && c != 0) {
+            scratch_ += u"]]>";
+            AppendReference(scratch_, c);
+            scratch_ += u"<![CDATA[";
         } else {
-            scratch_ += IsXmlChar(text, i) ? c : kReplacement;
+            scratch_ += kReplacement;
         }
     }
     scratch_ += u"]]>";

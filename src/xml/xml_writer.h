@@ -35,22 +35,42 @@ enum class EscapeMode {
     Attribute,  // as Text, plus the double quote, tab and line feed (which a reader would turn into blanks)
 };
 
-// Appends text escaped for the mode. Characters XML 1.0 cannot carry at all (control characters
-// other than tab, line feed and carriage return, unpaired surrogates, U+FFFE and U+FFFF) are
-// written as U+FFFD, which is what a reader of the written document would then see.
-void AppendEscaped(std::u16string& out, std::u16string_view text, EscapeMode mode);
+// What becomes of characters XML 1.0 cannot carry at all (control characters other than tab,
+// line feed and carriage return, unpaired surrogates, U+FFFE and U+FFFF).
+enum class IllegalCharacters {
+    Replace,    // written as U+FFFD, which is what a reader of the written document then sees
+    Reference,  // written as character references, which only a reader that accepts them reads
+};
+
+// Appends text escaped for the mode.
+void AppendEscaped(std::u16string& out, std::u16string_view text, EscapeMode mode,
+                   IllegalCharacters illegal = IllegalCharacters::Replace);
+
+struct WriterOptions {
+    bool indent = false;
+    std::u16string_view newline = u"\r\n";  // between indented lines
+    IllegalCharacters illegal = IllegalCharacters::Replace;
+};
 
 class XmlWriter {
 public:
     XmlWriter(XmlSink& sink, bool indent);
+    XmlWriter(XmlSink& sink, const WriterOptions& options);
 
     // `<?xml version="1.0" encoding="utf-16"?>`: the first thing written, if at all.
     void WriteDeclaration();
+    // The same with another encoding label; an empty one leaves the label out
+    // (`<?xml version="1.0"?>`, which readers take for UTF-8 or what the bytes say).
+    void WriteDeclaration(std::u16string_view encoding);
 
     // Declares the namespace on this element when it is not already in scope with that prefix.
     // Nesting beyond kMaxElementDepth raises XmlError.
     void StartElement(std::u16string_view prefix, std::u16string_view localName, std::u16string_view namespaceUri);
     void WriteAttribute(std::u16string_view name, std::u16string_view value);
+    // Declares a namespace on the element just started (before its content), unless the prefix is
+    // already bound to that URI. An empty prefix is the default namespace; an empty URI undeclares
+    // it, which is written only when a default namespace is in scope.
+    void DeclareNamespace(std::u16string_view prefix, std::u16string_view namespaceUri);
     // Escaped text. Text made only of blanks, in an element that already has child elements, is
     // written as CDATA: between elements a reader takes blanks for indentation.
     void WriteString(std::u16string_view text);
@@ -78,6 +98,8 @@ private:
 
     XmlSink& sink_;
     bool indent_;
+    std::u16string newline_;
+    IllegalCharacters illegal_;
     bool wroteSomething_ = false;
     std::vector<Open> open_;
     std::vector<std::pair<std::u16string, std::u16string>> namespaces_;  // prefix, URI
