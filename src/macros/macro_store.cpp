@@ -1,7 +1,7 @@
 #include "macros/macro_store.h"
 
 #include <algorithm>
-#include <climits>
+#include <cstdint>
 #include <random>
 
 #include "core/format.h"

@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <string>
+#include <vector>
 
 #include "core/text.h"
 #include "macros/macro_store.h"
@@ -46,6 +47,13 @@ inline std::shared_ptr<M2::Macro> MakeMacro(std::u16string id, std::u16string na
     macro->category = std::move(category);
     return macro;
 }
+
+inline std::vector<std::u16string> Ids(MacroStore& store) {
+    std::vector<std::u16string> ids;
+    for (const auto& macro : store.GetMacros().macros) ids.push_back(macro->id.value);
+    return ids;
+}
+inline std::vector<std::u16string> Ids(MacroStore&& store) { return Ids(store); }
 
 // A list file holding the given macros (id, name) and loadState.
 inline std::u16string ListText(std::initializer_list<std::pair<std::u16string, std::u16string>> macros,
