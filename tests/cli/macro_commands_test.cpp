@@ -15,20 +15,34 @@ namespace fs = std::filesystem;
 
 const std::string kDecl = "<?xml version=\"1.0\" encoding=\"utf-16\"?>\r\n";
 
-// A fresh per-user folder for the running test, made the tool's home (and not created).
-fs::path FreshHome() {
-    const char* base = std::getenv("QUILLMARK_HOME");
-    static const fs::path root =
-        (base != nullptr && *base != '\0' ? fs::path(base) : fs::temp_directory_path() / "quillmark") / "cli";
-    const fs::path home = root / ::testing::UnitTest::GetInstance()->current_test_info()->name();
-    fs::remove_all(home);
+void SetHome(const std::string& value) {
 #ifdef _WIN32
-    _putenv_s("QUILLMARK_HOME", home.string().c_str());
+    _putenv_s("QUILLMARK_HOME", value.c_str());
 #else
-    setenv("QUILLMARK_HOME", home.c_str(), 1);
+    setenv("QUILLMARK_HOME", value.c_str(), 1);
 #endif
-    return home;
 }
+
+// Each test runs the tool over a fresh per-user folder of its own (not created), and puts the
+// home it found back afterwards.
+class MacroCommands : public ::testing::Test {
+protected:
+    void SetUp() override {
+        const char* base = std::getenv("QUILLMARK_HOME");
+        saved_ = base != nullptr ? base : "";
+        const fs::path root = (saved_.empty() ? fs::temp_directory_path() / "quillmark" : fs::path(saved_)) / "cli";
+        home = root / ::testing::UnitTest::GetInstance()->current_test_info()->name();
+        fs::remove_all(home);
+        SetHome(home.string());
+    }
+    void TearDown() override { SetHome(saved_); }
+
+    fs::path home;
+
+private:
+    std::string saved_;
+};
+using XmlRoundTrip = MacroCommands;
 
 // A file beside the home, not in it.
 std::string WriteFile(const fs::path& home, const std::string& name, const std::string& bytes) {
@@ -52,8 +66,7 @@ const std::string kMacroText = kDecl +
     "  </Expression>\r\n"
     "</Macro>";
 
-TEST(MacroCommands, ImportListShowExportRemove) {
-    const fs::path home = FreshHome();
+TEST_F(MacroCommands, ImportListShowExportRemove) {
     EXPECT_EQ(RunTool({"macros", "list"}).out, "");
     EXPECT_FALSE(fs::exists(home));
 
@@ -77,8 +90,7 @@ TEST(MacroCommands, ImportListShowExportRemove) {
     EXPECT_EQ(io::ReadFileBytes(home / "LoadState"), "3");  // one save per change
 }
 
-TEST(MacroCommands, ImportingAListReplacesByIdAndGivesNewIds) {
-    const fs::path home = FreshHome();
+TEST_F(MacroCommands, ImportingAListReplacesByIdAndGivesNewIds) {
     ASSERT_EQ(RunTool({"macros", "import", WriteFile(home, "a.xml", "<Macro id=\"a\" name=\"Alpha\" />")}).code, 0);
     Result r = RunTool({"macros", "import",
                         WriteFile(home, "list.xml", "<Macros><Macro name=\"Fresh\" /><Macro id=\"a\" name=\"A2\" /></Macros>")});
@@ -87,8 +99,7 @@ TEST(MacroCommands, ImportingAListReplacesByIdAndGivesNewIds) {
     EXPECT_EQ(RunTool({"macros", "list"}).out, "a\tA2\t\n" + r.out.substr(0, 46));
 }
 
-TEST(MacroCommands, NewerMacroIsImportedWithAWarningAndLoggingIsSwitched) {
-    const fs::path home = FreshHome();
+TEST_F(MacroCommands, NewerMacroIsImportedWithAWarningAndLoggingIsSwitched) {
     Result r = RunTool({"macros", "import", WriteFile(home, "newer.xml", "<Macro id=\"n\" name=\"Next\" version=\"9\" />")});
     EXPECT_EQ(r.code, 0);
     EXPECT_EQ(r.err,
@@ -102,8 +113,7 @@ TEST(MacroCommands, NewerMacroIsImportedWithAWarningAndLoggingIsSwitched) {
     EXPECT_EQ(RunTool({"macros", "logging", "off"}).out, "Macro logging is off.\n");
 }
 
-TEST(MacroCommands, ErrorsNameTheFileAndThePlace) {
-    const fs::path home = FreshHome();
+TEST_F(MacroCommands, ErrorsNameTheFileAndThePlace) {
     const std::string missing = (home.parent_path() / "no-such-file.xml").string();
     Result r = RunTool({"macros", "import", missing});
     EXPECT_EQ(r.code, 1);
@@ -126,8 +136,7 @@ TEST(MacroCommands, ErrorsNameTheFileAndThePlace) {
     EXPECT_EQ(RunTool({"xml"}).code, 2);
 }
 
-TEST(MacroCommands, UnreadableListStopsEveryCommandAndStaysAsItIs) {
-    const fs::path home = FreshHome();
+TEST_F(MacroCommands, UnreadableListStopsEveryCommandAndStaysAsItIs) {
     fs::create_directories(home);
     const std::string broken = Utf16(kDecl + "<Macros>\r\n  <Macro name=\"a\"\r\n</Macros>");
     io::WriteFileAtomically(home / "macros2.xml", broken);
@@ -148,8 +157,7 @@ TEST(MacroCommands, UnreadableListStopsEveryCommandAndStaysAsItIs) {
     EXPECT_FALSE(fs::exists(home / "LoadState"));
 }
 
-TEST(XmlRoundTrip, ReadsAnyEncodingAndWritesUtf8) {
-    const fs::path home = FreshHome();
+TEST_F(XmlRoundTrip, ReadsAnyEncodingAndWritesUtf8) {
     const std::string list = kDecl +
         "<Macros display=\"flat\" compact=\"true\">\r\n"
         "  <Macro id=\"m\" name=\"\xC3\xA9t\xC3\xA9\" category=\"\" description=\"\" "
