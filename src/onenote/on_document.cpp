@@ -5,6 +5,7 @@
 #include "core/format.h"
 #include "core/text.h"
 #include "onenote/messages.h"
+#include "xml/xml_chars.h"
 #include "xml/xml_error.h"
 
 namespace qm::ON {
@@ -120,7 +121,8 @@ std::u16string WriteDocument(const xml::ChildElement& root, const WriteOptions& 
 }
 
 std::string WriteDocumentFile(const xml::ChildElement& root) {
-    std::string bytes = ToUtf8(WriteDocument(root));
+    std::string bytes;
+    xml::AppendUtf8(bytes, WriteDocument(root));
     bytes += '\n';
     return bytes;
 }

@@ -7,6 +7,7 @@
 #include <system_error>
 
 #include "core/text.h"
+#include "xml/xml_chars.h"
 
 namespace qm::io {
 namespace {
@@ -84,10 +85,10 @@ std::u16string DecodeXmlBytes(std::string_view bytes) {
     auto at = [&](size_t i) { return i < bytes.size() ? static_cast<unsigned char>(bytes[i]) : 0x100u; };
     if (at(0) == 0xFF && at(1) == 0xFE) return DecodeUtf16(bytes.substr(2), false);
     if (at(0) == 0xFE && at(1) == 0xFF) return DecodeUtf16(bytes.substr(2), true);
-    if (at(0) == 0xEF && at(1) == 0xBB && at(2) == 0xBF) return FromUtf8(bytes.substr(3));
+    if (at(0) == 0xEF && at(1) == 0xBB && at(2) == 0xBF) return xml::Utf8ToUtf16(bytes.substr(3));
     if (at(0) == '<' && at(1) == 0) return DecodeUtf16(bytes, false);
     if (at(0) == 0 && at(1) == '<') return DecodeUtf16(bytes, true);
-    return FromUtf8(bytes);
+    return xml::Utf8ToUtf16(bytes);
 }
 
 std::string EncodeUtf16Le(std::u16string_view text) {

@@ -6,25 +6,39 @@ namespace {
 
 constexpr char32_t kShieldBase = 0x100000;
 
-bool IsHighSurrogate(char16_t c) { return c >= 0xD800 && c <= 0xDBFF; }
-bool IsLowSurrogate(char16_t c) { return c >= 0xDC00 && c <= 0xDFFF; }
-
-void AppendShielded(std::u16string& out, char16_t c) {
-    const char32_t shielded = kShieldBase + c - 0x10000;
-    out += static_cast<char16_t>(0xD800 + (shielded >> 10));
-    out += static_cast<char16_t>(0xDC00 + (shielded & 0x3FF));
+// Writes a code point as UTF-8 at p; returns the end.
+char* PutUtf8(char* p, char32_t c) {
+    if (c < 0x80) {
+        *p++ = static_cast<char>(c);
+    } else if (c < 0x800) {
+        *p++ = static_cast<char>(0xC0 | (c >> 6));
+        *p++ = static_cast<char>(0x80 | (c & 0x3F));
+    } else if (c < 0x10000) {
+        *p++ = static_cast<char>(0xE0 | (c >> 12));
+        *p++ = static_cast<char>(0x80 | ((c >> 6) & 0x3F));
+        *p++ = static_cast<char>(0x80 | (c & 0x3F));
+    } else {
+        *p++ = static_cast<char>(0xF0 | (c >> 18));
+        *p++ = static_cast<char>(0x80 | ((c >> 12) & 0x3F));
+        *p++ = static_cast<char>(0x80 | ((c >> 6) & 0x3F));
+        *p++ = static_cast<char>(0x80 | (c & 0x3F));
+    }
+    return p;
 }
 
+bool IsHigh(char16_t c) { return c >= 0xD800 && c <= 0xDBFF; }
+bool IsLow(char16_t c) { return c >= 0xDC00 && c <= 0xDFFF; }
+
 // A character reference "&#...;" at text[i]: its length and code point when it is one.
-std::optional<std::pair<std::size_t, char32_t>> CharacterReference(std::u16string_view text, std::size_t i) {
+bool CharacterReference(std::u16string_view text, std::size_t i, std::size_t& length, char32_t& value) {
     std::size_t j = i + 2;
     const bool hex = j < text.size() && text[j] == u'x';
     if (hex) ++j;
     const std::size_t digitsStart = j;
-    char32_t value = 0;
+    value = 0;
     for (; j < text.size() && j - digitsStart < 8; ++j) {
         const char16_t c = text[j];
-        int digit;
+        unsigned digit;
         if (c >= u'0' && c <= u'9') {
             digit = c - u'0';
         } else if (hex && c >= u'a' && c <= u'f') {
@@ -34,21 +48,14 @@ std::optional<std::pair<std::size_t, char32_t>> CharacterReference(std::u16strin
         } else {
             break;
         }
-        value = value * (hex ? 16 : 10) + static_cast<char32_t>(digit);
+        value = value * (hex ? 16 : 10) + digit;
     }
-    if (j == digitsStart || j >= text.size() || text[j] != u';') return std::nullopt;
-    return std::pair{j + 1 - i, value};
+    if (j == digitsStart || j >= text.size() || text[j] != u';') return false;
+    length = j + 1 - i;
+    return true;
 }
 
 }  // namespace
-
-bool IsXmlChar(std::u16string_view text, std::size_t i) {
-    const char16_t c = text[i];
-    if (c < 0x20) return c == u'\t' || c == u'\n' || c == u'\r';
-    if (IsHighSurrogate(c)) return i + 1 < text.size() && IsLowSurrogate(text[i + 1]);
-    if (IsLowSurrogate(c)) return i > 0 && IsHighSurrogate(text[i - 1]);
-    return c != 0xFFFE && c != 0xFFFF;
-}
 
 bool IsShieldable(char32_t c) {
     if (c < 0x20) return c != 0 && c != u'\t' && c != u'\n' && c != u'\r';
@@ -62,23 +69,17 @@ std::optional<char16_t> Unshield(char32_t c) {
     return static_cast<char16_t>(unit);
 }
 
-std::optional<std::u16string> ShieldIllegalCharacters(std::u16string_view text) {
-    std::u16string out;
-    bool changed = false;
-    std::size_t copied = 0;  // text[copied..i) is still to be copied
-    auto flushTo = [&](std::size_t end) {
-        if (!changed) {
-            changed = true;
-            out.reserve(text.size() + 16);
-        }
-        out.append(text.substr(copied, end - copied));
-    };
-    // Skips a section that character references do not occur in; raw characters inside it are
-    // still shielded by the main loop, so the section is only marked, not copied.
-    std::size_t quietUntil = 0;
+std::string ToShieldedUtf8(std::u16string_view text) {
+    std::string out(text.size() * 4, '\0');  // a shielded code unit takes four bytes, nothing takes more
+    char* p = out.data();
+    std::size_t quietUntil = 0;  // end of a CDATA section, comment or processing instruction
     for (std::size_t i = 0; i < text.size(); ++i) {
         const char16_t c = text[i];
-        if (c == u'<' && i >= quietUntil) {
+        if (c >= 0x20 && c < 0x80 && c != u'<' && c != u'&') {
+            *p++ = static_cast<char>(c);
+            continue;
+        }
+        if (c == u'<' && i >= quietUntil && i + 1 < text.size() && (text[i + 1] == u'!' || text[i + 1] == u'?')) {
             const std::u16string_view rest = text.substr(i);
             std::u16string_view close;
             if (rest.starts_with(u"<![CDATA[")) {
@@ -92,26 +93,93 @@ std::optional<std::u16string> ShieldIllegalCharacters(std::u16string_view text) 
                 const std::size_t end = text.find(close, i + 2);
                 quietUntil = end == std::u16string_view::npos ? text.size() : end + close.size();
             }
-            continue;
-        }
-        if (c == u'&' && i >= quietUntil && i + 1 < text.size() && text[i + 1] == u'#') {
-            const auto reference = CharacterReference(text, i);
-            if (reference && reference->second <= 0xFFFF && IsShieldable(reference->second)) {
-                flushTo(i);
-                AppendShielded(out, static_cast<char16_t>(reference->second));
-                i += reference->first - 1;
-                copied = i + 1;
+        } else if (c == u'&' && i >= quietUntil && i + 1 < text.size() && text[i + 1] == u'#') {
+            std::size_t length = 0;
+            char32_t value = 0;
+            if (CharacterReference(text, i, length, value) && value <= 0xFFFF && IsShieldable(value)) {
+                p = PutUtf8(p, kShieldBase + value);
+                i += length - 1;
+                continue;
             }
+        } else if (IsHigh(c) && i + 1 < text.size() && IsLow(text[i + 1])) {
+            p = PutUtf8(p, 0x10000 + ((c - 0xD800) << 10) + (text[i + 1] - 0xDC00));
+            ++i;
             continue;
         }
-        if (!IsXmlChar(text, i) && c != 0) {
-            flushTo(i);
-            AppendShielded(out, c);
-            copied = i + 1;
+        p = PutUtf8(p, IsShieldable(c) ? kShieldBase + c : c);
+    }
+    out.resize(static_cast<std::size_t>(p - out.data()));
+    return out;
+}
+
+void AppendUtf8(std::string& out, std::u16string_view text) {
+    const std::size_t start = out.size();
+    out.resize(start + text.size() * 3);
+    char* p = out.data() + start;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const char16_t c = text[i];
+        if (c < 0x80) {
+            *p++ = static_cast<char>(c);
+        } else if (IsHigh(c) && i + 1 < text.size() && IsLow(text[i + 1])) {
+            p = PutUtf8(p, 0x10000 + ((c - 0xD800) << 10) + (text[i + 1] - 0xDC00));
+            ++i;
+        } else {
+            p = PutUtf8(p, c >= 0xD800 && c <= 0xDFFF ? 0xFFFD : c);
         }
     }
-    if (!changed) return std::nullopt;
-    out.append(text.substr(copied));
+    out.resize(static_cast<std::size_t>(p - out.data()));
+}
+
+std::u16string Utf8ToUtf16(std::string_view in) {
+    std::u16string out(in.size(), u'\0');
+    char16_t* p = out.data();
+    const std::size_t n = in.size();
+    std::size_t i = 0;
+    while (i < n) {
+        const auto c = static_cast<unsigned char>(in[i]);
+        if (c < 0x80) {
+            *p++ = c;
+            ++i;
+            continue;
+        }
+        char32_t cp;
+        std::size_t len;
+        if ((c & 0xE0) == 0xC0) {
+            cp = c & 0x1F;
+            len = 2;
+        } else if ((c & 0xF0) == 0xE0) {
+            cp = c & 0x0F;
+            len = 3;
+        } else if ((c & 0xF8) == 0xF0) {
+            cp = c & 0x07;
+            len = 4;
+        } else {
+            *p++ = u'\xFFFD';
+            ++i;
+            continue;
+        }
+        bool ok = i + len <= n;
+        for (std::size_t k = 1; ok && k < len; ++k) {
+            const auto cc = static_cast<unsigned char>(in[i + k]);
+            ok = (cc & 0xC0) == 0x80;
+            cp = (cp << 6) | (cc & 0x3F);
+        }
+        static constexpr char32_t kMin[5] = {0, 0, 0x80, 0x800, 0x10000};
+        if (!ok || cp < kMin[len] || cp > 0x10FFFF || (cp >= 0xD800 && cp <= 0xDFFF)) {
+            *p++ = u'\xFFFD';
+            ++i;
+            continue;
+        }
+        if (cp >= 0x10000) {
+            cp -= 0x10000;
+            *p++ = static_cast<char16_t>(0xD800 + (cp >> 10));
+            *p++ = static_cast<char16_t>(0xDC00 + (cp & 0x3FF));
+        } else {
+            *p++ = static_cast<char16_t>(cp);
+        }
+        i += len;
+    }
+    out.resize(static_cast<std::size_t>(p - out.data()));
     return out;
 }
 

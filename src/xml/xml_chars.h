@@ -20,16 +20,28 @@ namespace qm::xml {
 
 // Whether text[i] can stand in an XML 1.0 document; a valid surrogate pair counts as one (both
 // of its halves answer true).
-bool IsXmlChar(std::u16string_view text, std::size_t i);
+inline bool IsXmlChar(std::u16string_view text, std::size_t i) {
+    const char16_t c = text[i];
+    if (c < 0x20) return c == u'\t' || c == u'\n' || c == u'\r';
+    if (c < 0xD800) return true;
+    if (c <= 0xDBFF) return i + 1 < text.size() && text[i + 1] >= 0xDC00 && text[i + 1] <= 0xDFFF;
+    if (c <= 0xDFFF) return i > 0 && text[i - 1] >= 0xD800 && text[i - 1] <= 0xDBFF;
+    return c != 0xFFFE && c != 0xFFFF;
+}
 
 // Whether a code point (not a code unit of a pair) is one that shielding carries: the control
 // characters other than NUL, tab, line feed and carriage return, surrogates, U+FFFE and U+FFFF.
 bool IsShieldable(char32_t c);
 
-// The document with every illegal character shielded: raw ones anywhere, and character
-// references to them outside CDATA sections, comments and processing instructions. Nothing when
-// the document holds none.
-std::optional<std::u16string> ShieldIllegalCharacters(std::u16string_view document);
+// The document in UTF-8 with every illegal character shielded: raw ones anywhere, and character
+// references to them outside CDATA sections, comments and processing instructions.
+std::string ToShieldedUtf8(std::u16string_view document);
+
+// UTF-16 to UTF-8 and back, as ToUtf8 and FromUtf8 (core/text.h) convert, only faster on the
+// mostly-ASCII text of documents: unpaired surrogates become U+FFFD in UTF-8; invalid UTF-8
+// sequences become U+FFFD, one per byte.
+void AppendUtf8(std::string& out, std::u16string_view text);
+std::u16string Utf8ToUtf16(std::string_view utf8);
 
 // The code unit a shielded code point stands for, or nothing when it stands for none.
 std::optional<char16_t> Unshield(char32_t c);

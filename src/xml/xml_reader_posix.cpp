@@ -76,6 +76,11 @@ void AssignFromUtf8(std::u16string& out, const xmlChar* text, bool unshield = fa
     out.clear();
     if (text == nullptr) return;
     const auto* p = reinterpret_cast<const unsigned char*>(text);
+    // Mostly ASCII: copied as it is until the first other character.
+    const unsigned char* ascii = p;
+    while (*ascii != 0 && *ascii < 0x80) ++ascii;
+    out.assign(p, ascii);
+    p = ascii;
     while (*p != 0) {
         char32_t c = *p;
         int extra = c < 0x80 ? 0 : c < 0xE0 ? 1 : c < 0xF0 ? 2 : 3;
@@ -148,10 +153,9 @@ public:
             throw XmlError(std::u16string(msg::kDtdProhibited), line, column);
         }
         if (unshield_) {
-            const auto shielded = ShieldIllegalCharacters(text);
-            utf8_ = ToUtf8(shielded ? std::u16string_view(*shielded) : text);
+            utf8_ = ToShieldedUtf8(text);
         } else {
-            utf8_ = ToUtf8(text);
+            AppendUtf8(utf8_, text);
         }
         // No entity substitution, no DTD loading, no network. HUGE lifts libxml2's own nesting cap
         // of 256 (too low for a deep expression); Read applies kMaxElementDepth instead.

@@ -38,32 +38,39 @@ bool IsBlankOnly(std::u16string_view text) {
 
 void AppendEscaped(std::u16string& out, std::u16string_view text, EscapeMode mode, IllegalCharacters illegal) {
     const bool attribute = mode == EscapeMode::Attribute;
+    std::size_t run = 0;  // start of the characters still to be copied as they are
     for (std::size_t i = 0; i < text.size(); ++i) {
         const char16_t c = text[i];
+        if (c >= 0x20 && c < 0xD800 && c != u'&' && c != u'<' && c != u'>' && c != u'"') continue;
+        std::u16string_view replacement;
         switch (c) {
-            case u'&': out += u"&amp;"; continue;
-            case u'<': out += u"&lt;"; continue;
-            case u'>': out += u"&gt;"; continue;
-            case u'\r': out += u"&#13;"; continue;
+            case u'&': replacement = u"&amp;"; break;
+            case u'<': replacement = u"&lt;"; break;
+            case u'>': replacement = u"&gt;"; break;
+            case u'\r': replacement = u"&#13;"; break;
             case u'"':
-                if (attribute) { out += u"&quot;"; continue; }
+                if (attribute) replacement = u"&quot;";
                 break;
             case u'\n':
-                if (attribute) { out += u"&#10;"; continue; }
+                if (attribute) replacement = u"&#10;";
                 break;
             case u'\t':
-                if (attribute) { out += u"&#9;"; continue; }
+                if (attribute) replacement = u"&#9;";
                 break;
             default: break;
         }
-        if (IsXmlChar(text, i)) {
-            out += c;
+        if (replacement.empty() && IsXmlChar(text, i)) continue;
+        out.append(text.substr(run, i - run));
+        run = i + 1;
+        if (!replacement.empty()) {
+            out += replacement;
         } else if (illegal == IllegalCharacters::Reference && c != 0) {
             AppendReference(out, c);
         } else {
             out += kReplacement;
         }
     }
+    out.append(text.substr(run));
 }
 
 XmlWriter::XmlWriter(XmlSink& sink, bool indent) : XmlWriter(sink, WriterOptions{indent}) {}
@@ -168,15 +175,20 @@ void XmlWriter::WriteCData(std::u16string_view text) {
     CloseStartTag();
     if (!open_.empty()) open_.back().mixed = true;
     scratch_.assign(u"<![CDATA[");
+    std::size_t run = 0;
     for (std::size_t i = 0; i < text.size(); ++i) {
         const char16_t c = text[i];
+        if (c >= 0x20 && c < 0xD800 && c != u']') continue;
+        if (c == u'\n' || c == u'\t' || (c == u']' && !text.substr(i).starts_with(u"]]>"))) continue;
+        if (IsXmlChar(text, i) && c != u'\r' && c != u']') continue;
+        scratch_.append(text.substr(run, i - run));
+        run = i + 1;
         if (c == u'\r') {
             scratch_ += u"]]>&#13;<![CDATA[";
-        } else if (c == u']' && text.substr(i).starts_with(u"]]>")) {
+        } else if (c == u']') {
             scratch_ += u"]]]]><![CDATA[>";
             i += 2;
-        } else if (IsXmlChar(text, i)) {
-            scratch_ += c;
+            run = i + 1;
         } else if (illegal_ == IllegalCharacters::Reference && c != 0) {
             scratch_ += u"]]>";
             AppendReference(scratch_, c);
@@ -185,6 +197,7 @@ void XmlWriter::WriteCData(std::u16string_view text) {
             scratch_ += kReplacement;
         }
     }
+    scratch_.append(text.substr(run));
     scratch_ += u"]]>";
     Put(scratch_);
 }
