@@ -388,7 +388,9 @@ public:
         Header(u"id", *macro.id);
         // As in the XML: a version equal to its creator's default is no version of its own.
         if (!macro.version.IsDefault()) Header(u"version", Ascii(std::to_string(*macro.version)));
-        if (!(macro.publishDate == xml::SystemTime{})) Header(u"publishDate", xml::FormatXmlDateTime(macro.publishDate));
+        if (!(macro.publishDate == xml::SystemTime{})) {
+            Header(u"publishDate", xml::FormatXmlDateTime(macro.publishDate));
+        }
         Block(macro.statements, u"Macro", 1);
         int index = 0;
         for (const auto& function : macro.functions) {
@@ -460,7 +462,8 @@ private:
                 }
             }
         }
-        const bool grouped = std::holds_alternative<BinaryOp>(e.primary) || std::holds_alternative<TernaryOp>(e.primary);
+        const bool grouped =
+            std::holds_alternative<BinaryOp>(e.primary) || std::holds_alternative<TernaryOp>(e.primary);
         if (grouped && e.members.empty() && text.size() >= 2 && text.front() == u'(' && text.back() == u')') {
             text = text.substr(1, text.size() - 2);
         }

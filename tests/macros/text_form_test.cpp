@@ -228,7 +228,8 @@ TEST(TextForm, TreesWithoutATextFormAreRefused) {
     macro = ImportMacroXml(u"<Macro><While><Condition><BinaryOp name=\"=~\"><Left>1</Left><Right>2</Right>"
                            u"</BinaryOp></Condition></While></Macro>");
     EXPECT_EQ(WriteError(*macro),
-              u"Macro/While[1] cannot be written in the text form: the expression (1 =~ 2) does not read back as it is");
+              u"Macro/While[1] cannot be written in the text form: the expression (1 =~ 2) does not read back as "
+              u"it is");
     macro = ImportMacroXml(u"<Macro><Break><Call name=\"If x\"/></Break></Macro>");
     EXPECT_EQ(WriteError(*macro),
               u"Macro/Break[1] cannot be written in the text form: the expression If x() does not read back as it is");

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -7,6 +8,7 @@
 #include "macros/macro_xml.h"
 #include "macros/text_form.h"
 #include "runtime/static_check.h"
+#include "xml/file_io.h"
 
 namespace qm {
 namespace {
@@ -65,6 +67,27 @@ TEST(StaticCheck, FindingsNameTheStatement) {
         {u"// off\n  Break\n  Else\n  $a = Nope()", {}},
     };
     for (const auto& c : cases) EXPECT_EQ(Check(c.text), c.expected) << ToUtf8(c.text);
+}
+
+// The script suite states the error each script's run ends with: whatever the check finds must be
+// that very error, and a script that runs clean must check clean.
+TEST(StaticCheck, AgreesWithTheRunsOfTheScriptSuite) {
+    int withFindings = 0;
+    const std::filesystem::path scripts = std::filesystem::path(QUILLMARK_TEST_DIR) / "scripts";
+    for (const auto& entry : std::filesystem::directory_iterator(scripts)) {
+        if (entry.path().extension() != ".qm") continue;
+        auto macro = M2::ReadTextForm(io::DecodeXmlBytes(io::ReadFileBytes(entry.path())), "script.qm");
+        std::u16string expected;
+        for (const auto& statement : macro->statements) {
+            if (statement->comment && statement->comment->text.starts_with(u"expect-error: ")) {
+                expected = statement->comment->text.substr(14);
+            }
+        }
+        const std::vector<Finding> findings = CheckMacro(*macro);
+        if (!findings.empty()) ++withFindings;
+        for (const Finding& f : findings) EXPECT_EQ(f.message, expected) << entry.path();
+    }
+    EXPECT_GE(withFindings, 5);
 }
 
 TEST(StaticCheck, WithoutLinesThePathAloneLocates) {
