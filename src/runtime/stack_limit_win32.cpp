@@ -5,12 +5,13 @@
 namespace qm {
 
 std::uintptr_t StackLowLimit() {
-    ULONG_PTR low = 0;
-    ULONG_PTR high = 0;
-    GetCurrentThreadStackLimits(&low, &high);
-    // The lowest pages are the guard region that grows the committed stack; stay above them.
+    // The thread's stack is one reservation: its allocation base is the lowest address the stack
+    // can grow to.
+    MEMORY_BASIC_INFORMATION info{};
+    if (VirtualQuery(&info, &info, sizeof info) == 0 || info.AllocationBase == nullptr) return 0;
+    // The lowest pages hold the guard region that grows the committed stack; stay above them.
     constexpr std::uintptr_t kGuardRegion = 64 * 1024;
-    return low == 0 ? 0 : static_cast<std::uintptr_t>(low) + kGuardRegion;
+    return reinterpret_cast<std::uintptr_t>(info.AllocationBase) + kGuardRegion;
 }
 
 }  // namespace qm
