@@ -79,6 +79,17 @@ RunResult MacroRunDriver::runMacro(const M2::Macro* macro, const RunSettings& se
     context.log = log.IsOpen() ? &log : nullptr;
     context.documents = environment.documents;
 
+    // The object model writes into the log while the run lasts, and never after.
+    struct LogAnnouncement {
+        RunEnvironment& environment;
+        explicit LogAnnouncement(RunEnvironment& env, LogSink* log) : environment(env) {
+            if (environment.logOpened) environment.logOpened(log);
+        }
+        ~LogAnnouncement() {
+            if (environment.logOpened) environment.logOpened(nullptr);
+        }
+    } announcement(environment, context.log);
+
     std::u16string error;
     bool failed = false;
     try {

@@ -16,6 +16,7 @@
 
 #include <cstddef>
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <string>
 
@@ -41,6 +42,9 @@ struct RunEnvironment {
     ObjectModel* objects = nullptr;
     RunDocuments* documents = nullptr;
     const DateFormatter* dates = nullptr;  // null: the user's default locale
+    // Told the run's macro log once it is open (the object model writes its query and navigation
+    // lines there), and null again when the run has ended. Unset: nobody needs to know.
+    std::function<void(LogSink*)> logOpened;
 };
 
 enum class RunOutcome {

@@ -184,6 +184,24 @@ TEST_F(RunDriverTest, ErrorsWithoutTextAndStrayBreaks) {
     EXPECT_EQ(ui_.errors.size(), 4u);
 }
 
+// The object model writes its own lines into the run's log while the run lasts.
+TEST_F(RunDriverTest, LogAnnouncedToTheObjectModel) {
+    std::vector<LogSink*> announced;
+    environment_.logOpened = [&](LogSink* log) {
+        announced.push_back(log);
+        if (log) log->Write(u"\r\nfrom the object model");
+    };
+    Run(u"$x = 1\n");
+    ASSERT_EQ(announced.size(), 2u);
+    EXPECT_NE(announced[0], nullptr);
+    EXPECT_EQ(announced[1], nullptr);
+    EXPECT_EQ(Log().rfind("\r\nfrom the object model\r\nRunning Macro", 0), 0u);
+
+    announced.clear();
+    Run(u"$x = 1\n", false);
+    EXPECT_EQ(announced, (std::vector<LogSink*>{nullptr, nullptr}));
+}
+
 TEST_F(RunDriverTest, LoggingOffCreatesNoFile) {
     documents_.modified = 1;
     RunResult result = Run(u"$x = 1\n", false);
