@@ -18,6 +18,7 @@ inline constexpr std::u16string_view kExpectedNotebooks = u"a \"Notebooks\" elem
 inline constexpr std::u16string_view kExpectedHierarchy =
     u"a \"Notebooks\", \"Notebook\", \"SectionGroup\", \"Section\" or \"Page\" element";
 inline constexpr std::u16string_view kPageName = u"page [1]";
+inline constexpr std::u16string_view kUnknownOneNoteError = u"OneNote error 0x[1]";
 inline constexpr std::u16string_view kFileName = u"\"[1]\"";
 
 // The notebook folder.
@@ -38,5 +39,72 @@ inline constexpr std::u16string_view kGenerated = u"Wrote [1] notebooks, [2] sec
 inline constexpr std::u16string_view kGenerateFolderNotEmpty =
     u"\"[1]\" is not empty: choose a new or empty folder";
 inline constexpr std::u16string_view kUnknownObject = u"No notebook, section group, section or page has the ID \"[1]\"";
+
+// The macro object model: properties.
+inline constexpr std::u16string_view kUnknownProperty = u"A property named '[1]' on object of type '[2]' does not exist.";
+// The fixed text of each read-only property, "...'<name>' on object of type '[1]'", filled with the
+// type name: [1] the property, [2] the type.
+inline constexpr std::u16string_view kReadOnlyProperty =
+    u"Attempting to write read-only property '[1]' on object of type '[2]'";
+// The type is the paragraph's element name, "OE", whatever type the object has.
+inline constexpr std::u16string_view kWriteOnlyProperty =
+    u"Attempting to read write-only property '[1]' on object of type 'OE'";
+// A value the property cannot take: [1] the property, [2] the type, [3] the value, [4] the kind.
+inline constexpr std::u16string_view kInvalidPropertyValue =
+    u"Cannot set property '[1]' on object of type '[2]' to [3]: expected a [4]";
+inline constexpr std::u16string_view kInvalidOrientation =
+    u"Cannot set property 'orientation' on object of type 'Page' to '[1]': expected portrait or landscape";
+// The first-tag properties of an object without tags, the list properties of a paragraph that is
+// not part of such a list: [1] the property, [2] the type.
+inline constexpr std::u16string_view kNoTagToModify = u"Cannot set property '[1]' on object of type '[2]': it has no tag";
+inline constexpr std::u16string_view kNotBulleted =
+    u"Cannot set property '[1]' on object of type 'Paragraph': it is not part of a bulleted list";
+inline constexpr std::u16string_view kNotNumbered =
+    u"Cannot set property '[1]' on object of type 'Paragraph': it is not part of a numbered list";
+inline constexpr std::u16string_view kKindString = u"String";
+inline constexpr std::u16string_view kKindBool = u"Bool";
+inline constexpr std::u16string_view kKindInteger = u"Integer";
+inline constexpr std::u16string_view kKindNumber = u"Numeric";
+inline constexpr std::u16string_view kKindDateTime = u"DateTime";
+inline constexpr std::u16string_view kKindArray = u"Array";
+
+// The macro object model: queries and navigation; [1] the function.
+inline constexpr std::u16string_view kExpectedObjectFirst = u"Expected an object at first parameter of [1]";
+inline constexpr std::u16string_view kExpectedObjectSecond = u"Expected an object at second parameter of [1]";
+// An object of another layer (a dialog box) where a OneNote object is needed.
+inline constexpr std::u16string_view kExpectedOneNoteObject = u"Expected a OneNote object at [2] parameter of [1]";
+inline constexpr std::u16string_view kFirst = u"first";
+inline constexpr std::u16string_view kSecond = u"second";
+inline constexpr std::u16string_view kUnknownObjectType = u"Unknown object type '[1]' at first parameter of [2]";
+
+// Macro log lines of the object model.
+inline constexpr std::u16string_view kLogModifyingProperty = u"\tModifying property(";
+inline constexpr std::u16string_view kLogModifyingPropertyValue = u") = ";
+inline constexpr std::u16string_view kLogNewValue = u"\tNew value: ";
+inline constexpr std::u16string_view kLogQuerying = u"\tQuerying each ";
+inline constexpr std::u16string_view kLogIn = u" in ";
+inline constexpr std::u16string_view kLogRetrieving = u"\tRetrieving ";
+inline constexpr std::u16string_view kLogUnder = u" under ";
+inline constexpr std::u16string_view kLogRetrievingPage = u"\tRetrieving contents for page ";
+inline constexpr std::u16string_view kLevelNotebooks = u"list of notebooks";
+inline constexpr std::u16string_view kLevelSections = u"list of sections";
+inline constexpr std::u16string_view kLevelPages = u"list of pages";
+inline constexpr std::u16string_view kLevelPageContents = u"page contents";
+inline constexpr std::u16string_view kLogLookingFor = u"\tLooking for ";
+inline constexpr std::u16string_view kLogAParent = u"a parent";
+inline constexpr std::u16string_view kLogAnAncestor = u"an ancestor";
+inline constexpr std::u16string_view kLogOfType = u" of type ";
+inline constexpr std::u16string_view kLogOfAn = u" of an ";
+inline constexpr std::u16string_view kLogAlreadyAtRoot = u"\t\tAlready at notebook root, can't go further";
+inline constexpr std::u16string_view kLogCurrentObject = u"\t\tCurrent object is of type: ";
+inline constexpr std::u16string_view kLogLookingForItsParent = u", looking for its parent";
+inline constexpr std::u16string_view kLogFound = u"\t\tFound ";
+inline constexpr std::u16string_view kLogCannotFind = u"\t\tCannot find ";
+
+// Formatted text: Text objects and QueryText (the search's line is kLogFound, the count, then
+// this, then the value: no blank before "pieces", no closing quote).
+inline constexpr std::u16string_view kLogPiecesOfText = u"pieces of text with value '";
+// The value of a font size that is no positive number, in kInvalidPropertyValue's [4].
+inline constexpr std::u16string_view kKindFontSize = u"positive number";
 
 }  // namespace qm::onenote::msg

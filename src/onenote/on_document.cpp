@@ -36,22 +36,28 @@ void ReadRoot(std::u16string_view text, std::u16string_view documentName, std::u
             // A document without any element makes libxml2 speak of "extra content", which misleads.
             if (HasStartTag(text)) throw;
         }
-        if (!found) throw DocumentError(FormatMessage(onenote::msg::kDocumentEmpty, {documentName}));
+        if (!found) {
+            throw DocumentError(DocumentError::Kind::NotWellFormed,
+                                FormatMessage(onenote::msg::kDocumentEmpty, {documentName}));
+        }
         const std::u16string name(reader->localName());
         if (reader->namespaceUri() != kNamespace) {
-            throw DocumentError(FormatMessage(onenote::msg::kDocumentWrongNamespace,
+            throw DocumentError(DocumentError::Kind::Invalid,
+                                FormatMessage(onenote::msg::kDocumentWrongNamespace,
                                               {documentName, name, reader->namespaceUri()}));
         }
         xml::ChildElement* root = make(name);
         if (root == nullptr) {
-            throw DocumentError(FormatMessage(onenote::msg::kDocumentUnexpectedRoot, {documentName, expected, name}));
+            throw DocumentError(DocumentError::Kind::Invalid,
+                                FormatMessage(onenote::msg::kDocumentUnexpectedRoot, {documentName, expected, name}));
         }
         root->Read(session);
         // What follows the root must be well-formed too.
         while (reader->Read()) {
         }
     } catch (const xml::XmlError& e) {
-        throw DocumentError(FormatMessage(onenote::msg::kDocumentNotWellFormed, {documentName, e.FullText()}));
+        throw DocumentError(DocumentError::Kind::NotWellFormed,
+                            FormatMessage(onenote::msg::kDocumentNotWellFormed, {documentName, e.FullText()}));
     }
 }
 
@@ -64,7 +70,8 @@ xml::ChildElement* MakeIf(std::u16string_view name, std::shared_ptr<E>& out) {
 
 }  // namespace
 
-DocumentError::DocumentError(std::u16string message) : message_(std::move(message)), utf8_(ToUtf8(message_)) {}
+DocumentError::DocumentError(Kind kind, std::u16string message)
+    : kind_(kind), message_(std::move(message)), utf8_(ToUtf8(message_)) {}
 
 std::shared_ptr<Page> ReadPage(std::u16string_view xml, std::u16string_view documentName) {
     std::shared_ptr<Page> page;

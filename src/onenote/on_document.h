@@ -20,11 +20,18 @@ namespace qm::ON {
 // A document that cannot be read. The message names the document and says why.
 class DocumentError : public std::exception {
 public:
-    explicit DocumentError(std::u16string message);
+    enum class Kind {
+        NotWellFormed,  // not XML at all
+        Invalid,        // XML, but not the OneNote document expected
+    };
+
+    DocumentError(Kind kind, std::u16string message);
+    Kind kind() const noexcept { return kind_; }
     const std::u16string& message() const noexcept { return message_; }
     const char* what() const noexcept override { return utf8_.c_str(); }
 
 private:
+    Kind kind_;
     std::u16string message_;
     std::string utf8_;
 };
