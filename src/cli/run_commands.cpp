@@ -1,7 +1,302 @@
+// run and functions: running a macro from the command line, and the function reference.
+//
+//   quillmark run MACRO [--log FILE] [--vars] [--yes] [--answer NAME=VALUE ...] [--macro NAME|ID]
+//       MACRO is a .qm file (text form), a .xml file holding one macro or a macro list (--macro
+//       picks one of a list), or the id or name of a macro in the user's macro list. The run goes
+//       as in the add-in: the progress line on standard error (on a terminal), Ctrl-C as Cancel,
+//       dialog boxes asked on the terminal or answered by --answer, the multi-page confirmation
+//       asked on the terminal or accepted by --yes. --log FILE writes the macro log to FILE;
+//       without it the macro list's logging setting decides and the log goes to the per-user
+//       folder. --vars prints the macro's variables after the run, sorted by name.
+//       Exit codes: 0 finished (ExitMacro included), 1 macro error or a macro that cannot be
+//       loaded, 2 usage, 3 cancelled or saving refused (nothing was written).
+//   quillmark functions [NAME]
+//       Without NAME one line per built-in function (signature and return type); with NAME its
+//       whole reference: signature, return type, description and parameters.
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cctype>
+#include <filesystem>
+#include <iostream>
+#include <map>
+#include <memory>
+#include <optional>
+#include <ostream>
+#include <string>
+#include <vector>
+
 #include "cli/command.h"
+#include "core/format.h"
+#include "core/messages.h"
+#include "core/text.h"
+#include "macros/macro_store.h"
+#include "macros/messages.h"
+#include "macros/text_form.h"
+#include "runtime/catalogue.h"
+#include "runtime/execution_context.h"
+#include "runtime/object_model.h"
+#include "runtime/run_driver.h"
+#include "runtime/strings.h"
+#include "ui/terminal.h"
+#include "ui/terminal_ui.h"
+#include "xml/file_io.h"
+#include "xml/xml_error.h"
 
 namespace qm::cli {
+namespace {
 
-void RegisterRunCommands(CLI::App&, CommandContext&) {}
+// The texts of these commands.
+constexpr std::u16string_view kSeveralMacros = u"[1] holds [2] macros: choose one with --macro ID|NAME";
+constexpr std::u16string_view kNoMacro = u"[1] holds no macro";
+constexpr std::u16string_view kListEntry = u"  [1]\t[2]";
+constexpr std::u16string_view kNotInStore = u"[1] (in [2])";
+constexpr std::u16string_view kBadAnswer = u"--answer expects NAME=VALUE, not '[1]'";
+constexpr std::u16string_view kVariableLine = u"$[1] = [2]";
+constexpr std::u16string_view kSignature = u"[1]([2]) -> [3]";
+constexpr std::u16string_view kParameterLine = u"  [1] ([2]): [3]";
+constexpr std::u16string_view kParametersHeading = u"Parameters:";
+
+struct RunCommandOptions {
+    std::string macro;
+    std::optional<std::string> log;
+    bool vars = false;
+    bool yes = false;
+    std::vector<std::string> answers;
+    std::optional<std::string> select;
+};
+
+// A failure already worded for the user, with the exit code it ends the command with.
+struct CommandFailure {
+    std::u16string text;
+    int code = kExitError;
+};
+
+// The macro to run, and the list it came from (which owns it).
+struct MacroToRun {
+    std::shared_ptr<M2::Macros> list;
+    std::shared_ptr<M2::Macro> macro;
+};
+
+std::string Extension(const std::string& file) {
+    std::string extension = std::filesystem::path(file).extension().string();
+    std::transform(extension.begin(), extension.end(), extension.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return extension;
+}
+
+// The macro --macro names in a list: the one with that id, else the first with that name; the
+// only one when there is no --macro.
+std::shared_ptr<M2::Macro> Pick(const M2::Macros& list, const std::string& file,
+                                const std::optional<std::string>& selector) {
+    const std::u16string fileName = FromUtf8(file);
+    if (selector) {
+        const std::u16string wanted = FromUtf8(*selector);
+        for (const auto& macro : list.macros) {
+            if (macro->id.value == wanted) return macro;
+        }
+        for (const auto& macro : list.macros) {
+            if (macro->name == wanted) return macro;
+        }
+        throw CommandFailure{fileName + u": " + FormatMessage(macros::msg::kMacroNotFound, {wanted})};
+    }
+    if (list.macros.size() == 1) return list.macros[0];
+    if (list.macros.empty()) throw CommandFailure{FormatMessage(kNoMacro, {fileName})};
+    std::u16string text =
+        FormatMessage(kSeveralMacros, {fileName, IntegerText(static_cast<std::int64_t>(list.macros.size()))});
+    for (const auto& macro : list.macros) text += u"\n" + FormatMessage(kListEntry, {*macro->id, macro->name});
+    throw CommandFailure{std::move(text), kExitUsage};
+}
+
+MacroToRun LoadFile(const std::string& file, bool textForm, const std::optional<std::string>& selector) {
+    const std::u16string text = io::DecodeXmlBytes(io::ReadFileBytes(std::filesystem::path(file)));
+    if (textForm) {
+        // A text without "#name" is named after its file, for the progress line, log and boxes.
+        std::shared_ptr<M2::Macro> macro = M2::ReadTextForm(text, file);
+        if (macro->name.empty()) macro->name = FromUtf8(std::filesystem::path(file).stem().string());
+        return {nullptr, macro};
+    }
+    try {
+        macros::MacroDocument document = macros::ReadMacroDocument(text);
+        if (document.macro) return {nullptr, document.macro};
+        return {document.list, Pick(*document.list, file, selector)};
+    } catch (const xml::XmlError& e) {
+        throw CommandFailure{FromUtf8(file) + u": " + e.FullText()};
+    }
+}
+
+MacroToRun LoadFromStore(macros::MacroStore& store, const std::string& idOrName) {
+    store.ReloadIfChanged();
+    std::shared_ptr<M2::Macro> macro = store.Find(FromUtf8(idOrName));
+    if (!macro) {
+        throw CommandFailure{FormatMessage(kNotInStore, {FormatMessage(macros::msg::kMacroNotFound, {FromUtf8(idOrName)}),
+                                                         macros::PathText(store.MacrosPath())})};
+    }
+    return {nullptr, macro};
+}
+
+// The macro list's logging setting; a list that does not read turns logging off.
+bool StoreLogging(macros::MacroStore& store) {
+    try {
+        return *store.GetMacros().loggingEnabled;
+    } catch (const macros::StoreError&) {
+        return false;
+    }
+}
+
+std::map<std::u16string, std::u16string> ParseAnswers(const std::vector<std::string>& answers) {
+    std::map<std::u16string, std::u16string> parsed;
+    for (const std::string& answer : answers) {
+        const std::size_t equals = answer.find('=');
+        if (equals == std::string::npos || equals == 0) {
+            throw CommandFailure{FormatMessage(kBadAnswer, {FromUtf8(answer)}), kExitUsage};
+        }
+        parsed[FromUtf8(answer.substr(0, equals))] = FromUtf8(answer.substr(equals + 1));
+    }
+    return parsed;
+}
+
+// What a run works on besides the macro. Today a command-line run has no notebook: the object
+// model's functions fail with their macro error and no page is ever saved. A notebook option
+// gives the run the OneNote layer's object model and page table here.
+class RunWorkspace {
+public:
+    virtual ~RunWorkspace() = default;
+    virtual ObjectModel* objects() { return nullptr; }
+    virtual RunDocuments* documents() { return nullptr; }
+};
+
+std::unique_ptr<RunWorkspace> OpenWorkspace(const RunCommandOptions&) { return std::make_unique<RunWorkspace>(); }
+
+void PrintVariables(const MacroScope& scope, std::ostream& out) {
+    const MacroArray& variables = scope.variables();
+    for (std::size_t index : variables.KeyOrder()) {
+        const MacroArray::Element& element = variables.elements()[index];
+        const std::string line = ToUtf8(FormatMessage(kVariableLine, {element.key, element.value->Describe()}));
+        // Array descriptions break lines as the log does; the terminal takes plain line feeds.
+        std::string text;
+        text.reserve(line.size() + 1);
+        for (std::size_t i = 0; i < line.size(); ++i) {
+            if (line[i] == '\r' && i + 1 < line.size() && line[i + 1] == '\n') continue;
+            text += line[i];
+        }
+        out << text << "\n";
+    }
+}
+
+int ExitCode(RunOutcome outcome) {
+    switch (outcome) {
+        case RunOutcome::Finished:
+        case RunOutcome::Exited: return kExitOk;
+        case RunOutcome::Cancelled:
+        case RunOutcome::Refused: return kExitCancelled;
+        case RunOutcome::NotFound:
+        case RunOutcome::Failed: break;
+    }
+    return kExitError;
+}
+
+int RunMacroCommand(const RunCommandOptions& options, Io& io) {
+    try {
+        const std::map<std::u16string, std::u16string> answers = ParseAnswers(options.answers);
+        macros::MacroStore store;
+        const std::string extension = Extension(options.macro);
+        MacroToRun loaded = extension == ".qm" || extension == ".xml"
+                                ? LoadFile(options.macro, extension == ".qm", options.select)
+                                : LoadFromStore(store, options.macro);
+
+        RunSettings settings;
+        if (options.log) {
+            settings.logging = true;
+            settings.logFile = std::filesystem::path(*options.log);
+        } else {
+            settings.logging = StoreLogging(store);
+        }
+
+        // Only the process's own streams can be a terminal to draw on or to ask.
+        const bool ownStreams = &io.err == &std::cerr;
+        ui::TerminalOptions terminal;
+        terminal.interactive = ownStreams && ui::platform::StdinIsTerminal();
+        terminal.showProgress = ownStreams && ui::platform::StderrIsTerminal();
+        terminal.assumeYes = options.yes;
+        terminal.answers = answers;
+        ui::TerminalUi ui(std::move(terminal), std::cin, io.err);
+        ui::platform::InterruptScope interrupts(ui.cancelFlag(),
+                                                "\n" + ToUtf8(strings::Text(strings::Id::Cancelled)) + "\n");
+
+        std::unique_ptr<RunWorkspace> workspace = OpenWorkspace(options);
+        RunEnvironment environment;
+        environment.objects = workspace->objects();
+        environment.documents = workspace->documents();
+        MacroRunDriver driver(ui);
+        RunResult result = driver.runMacro(loaded.macro.get(), settings, environment);
+        io.err.flush();
+        if (options.vars) PrintVariables(result.variables, io.out);
+        return ExitCode(result.outcome);
+    } catch (const CommandFailure& e) {
+        io.err << ToUtf8(e.text) << "\n";
+        return e.code;
+    } catch (const M2::TextFormError& e) {
+        io.err << ToUtf8(e.FullText()) << "\n";
+    } catch (const io::FileError& e) {
+        io.err << e.what() << "\n";
+    } catch (const macros::StoreError& e) {
+        io.err << ToUtf8(e.message()) << "\n";
+    }
+    return kExitError;
+}
+
+std::u16string Signature(const FunctionInfo& info) {
+    std::u16string parameters;
+    for (const ParameterInfo& parameter : info.parameters) {
+        if (!parameters.empty()) parameters += u", ";
+        parameters += parameter.name;
+    }
+    return FormatMessage(kSignature, {info.name, parameters, info.returnType});
+}
+
+int PrintFunctions(const std::optional<std::string>& name, Io& io) {
+    if (!name) {
+        for (const auto& [key, info] : getFunctionCatalogue()) io.out << ToUtf8(Signature(info)) << "\n";
+        return kExitOk;
+    }
+    const FunctionInfo* info = FindBuiltin(FromUtf8(*name));
+    if (!info) {
+        io.err << ToUtf8(FormatMessage(msg::kUnknownFunction, {FromUtf8(*name)})) << "\n";
+        return kExitError;
+    }
+    io.out << ToUtf8(Signature(*info)) << "\n" << ToUtf8(info->description) << "\n";
+    if (!info->parameters.empty()) {
+        io.out << ToUtf8(kParametersHeading) << "\n";
+        for (const ParameterInfo& parameter : info->parameters) {
+            io.out << ToUtf8(FormatMessage(kParameterLine, {parameter.name, parameter.type, parameter.description}))
+                   << "\n";
+        }
+    }
+    return kExitOk;
+}
+
+}  // namespace
+
+void RegisterRunCommands(CLI::App& app, CommandContext& context) {
+    auto options = std::make_shared<RunCommandOptions>();
+    CLI::App* run = app.add_subcommand("run", "Run a macro: a .qm or .xml file, or the id or name of a stored macro");
+    run->add_option("MACRO", options->macro, "The macro file, or a stored macro's id or name")->required();
+    run->add_option("--log", options->log, "Write the macro log to FILE for this run")->option_text("FILE");
+    run->add_flag("--vars", options->vars, "Print the macro's variables after the run, sorted by name");
+    run->add_flag("--yes", options->yes, "Allow saving multiple pages without asking");
+    run->add_option("--answer", options->answers, "Answer a dialog box control: NAME=VALUE (repeatable)")
+        ->allow_extra_args(false);
+    run->add_option("--macro", options->select, "The macro of a macro list file to run, by id or name");
+    run->callback([&context, options] {
+        context.action = [&context, options] { return RunMacroCommand(*options, context.io); };
+    });
+
+    auto name = std::make_shared<std::optional<std::string>>();
+    CLI::App* functions = app.add_subcommand("functions", "Show the reference of the built-in functions");
+    functions->add_option("NAME", *name, "A function's name: show its whole reference");
+    functions->callback([&context, name] {
+        context.action = [&context, name] { return PrintFunctions(*name, context.io); };
+    });
+}
 
 }  // namespace qm::cli
