@@ -1,0 +1,307 @@
+#include "onenote/session.h"
+
+#include <algorithm>
+
+#include "core/format.h"
+#include "onenote/messages.h"
+#include "onenote/on_document.h"
+
+namespace qm::onenote {
+namespace {
+
+std::u16string_view LevelWords(Level level) {
+    switch (level) {
+        case Level::Notebooks: return msg::kLevelNotebooks;
+        case Level::Sections: return msg::kLevelSections;
+        case Level::Pages: return msg::kLevelPages;
+        case Level::PageContents: return msg::kLevelPageContents;
+        case Level::None: break;
+    }
+    return u"";
+}
+
+HierarchyScope ScopeOf(Level level) {
+    switch (level) {
+        case Level::Notebooks: return HierarchyScope::Notebooks;
+        case Level::Sections: return HierarchyScope::Sections;
+        default: return HierarchyScope::Pages;
+    }
+}
+
+// The level a node of a kind needs for its children of a kind to be known.
+Level LevelFor(ObjectType child) {
+    switch (child) {
+        case ObjectType::Notebook: return Level::Notebooks;
+        case ObjectType::SectionGroup:
+        case ObjectType::Section: return Level::Sections;
+        default: return Level::Pages;
+    }
+}
+
+template <class E>
+E& As(xml::ChildElement& fetched, std::u16string_view documentName) {
+    auto* typed = dynamic_cast<E*>(&fetched);
+    if (!typed) {
+        throw ON::DocumentError(ON::DocumentError::Kind::Invalid, FormatMessage(msg::kDocumentUnexpectedRoot,
+                                              {documentName, u"\"" + std::u16string(E::kName) + u"\"", fetched.ElementName()}));
+    }
+    return *typed;
+}
+
+}  // namespace
+
+LogSink* LogOf(const Session& session) { return session.log(); }
+
+Session::Session(OneNoteApi& api) : api_(&api) {
+    auto notebooks = std::make_shared<ON::Notebooks>();
+    root_ = std::make_shared<NotebookRootObject>(*this, notebooks);
+    byElement_[notebooks.get()] = root_;
+}
+
+Session::~Session() = default;
+
+// --- the tree ---------------------------------------------------------------------------------
+
+std::shared_ptr<HierarchyObject> Session::Register(const std::shared_ptr<xml::ChildElement>& element, ObjectType type) {
+    std::shared_ptr<HierarchyObject> object;
+    switch (type) {
+        case ObjectType::Notebook:
+            object = std::make_shared<NotebookObject>(*this, std::static_pointer_cast<ON::Notebook>(element));
+            break;
+        case ObjectType::SectionGroup:
+            object = std::make_shared<SectionGroupObject>(*this, std::static_pointer_cast<ON::SectionGroup>(element));
+            break;
+        case ObjectType::Section:
+            object = std::make_shared<SectionObject>(*this, std::static_pointer_cast<ON::Section>(element));
+            break;
+        default:
+            object = std::make_shared<PageObject>(*this, std::static_pointer_cast<ON::Page>(element));
+            object->RaiseLevel(Level::Pages);
+            break;
+    }
+    const std::u16string id = object->id();
+    if (!id.empty()) CacheOf(type).emplace(id, object);
+    byElement_[element.get()] = object;
+    return object;
+}
+
+template <class E>
+std::shared_ptr<E> Session::Resolve(const std::shared_ptr<E>& fetched, ObjectType type, Level level) {
+    const ON::String& id = fetched->ID;
+    if (id && !id->empty()) {
+        const Cache& cache = CacheOf(type);
+        if (const auto found = cache.find(*id); found != cache.end()) {
+            const std::shared_ptr<HierarchyObject>& held = found->second;
+            if (held->node() != fetched.get()) Merge(*held, *fetched, level);
+            return std::static_pointer_cast<E>(held->element());
+        }
+    }
+    Merge(*Register(fetched, type), *fetched, level);
+    return fetched;
+}
+
+void Session::MergeChildren(xml::ChildList<ON::SectionChoice>& held, xml::ChildList<ON::SectionChoice>& fetched,
+                            Level level) {
+    const std::vector<std::shared_ptr<ON::SectionChoice>> items = fetched.items();
+    for (const auto& choice : held) {
+        if (choice->section) choice->section->owner = nullptr;
+        if (choice->sectionGroup) choice->sectionGroup->owner = nullptr;
+    }
+    for (const auto& choice : items) {
+        if (choice->section) {
+            choice->section = Resolve(choice->section, ObjectType::Section, level);
+            choice->section->owner = choice.get();
+        }
+        if (choice->sectionGroup) {
+            choice->sectionGroup = Resolve(choice->sectionGroup, ObjectType::SectionGroup, level);
+            choice->sectionGroup->owner = choice.get();
+        }
+    }
+    held.Clear();
+    for (const auto& choice : items) held.Add(choice);
+}
+
+// Merges a fetched node into the node of the same ID the run holds. The held node keeps its own
+// attributes (a macro may have changed them); its children are replaced by the fetched ones,
+// held where the run knows them already, when the fetch reached them.
+void Session::Merge(HierarchyObject& held, xml::ChildElement& fetched, Level level) {
+    const std::u16string documentName = FormatMessage(msg::kFileName, {held.id()});
+    switch (held.type()) {
+        case ObjectType::NotebookRoot: {
+            auto& from = As<ON::Notebooks>(fetched, documentName);
+            auto& to = static_cast<ON::Notebooks&>(*held.node());
+            const std::vector<std::shared_ptr<ON::Notebook>> items = from.notebooks.items();
+            std::vector<std::shared_ptr<ON::Notebook>> resolved;
+            resolved.reserve(items.size());
+            for (const auto& notebook : items) resolved.push_back(Resolve(notebook, ObjectType::Notebook, level));
+            to.notebooks.Clear();
+            for (auto& notebook : resolved) to.notebooks.Add(std::move(notebook));
+            break;
+        }
+        case ObjectType::Notebook:
+            if (level >= Level::Sections) {
+                MergeChildren(static_cast<ON::Notebook&>(*held.node()).children,
+                              As<ON::Notebook>(fetched, documentName).children, level);
+            }
+            break;
+        case ObjectType::SectionGroup:
+            if (level >= Level::Sections) {
+                MergeChildren(static_cast<ON::SectionGroup&>(*held.node()).children,
+                              As<ON::SectionGroup>(fetched, documentName).children, level);
+            }
+            break;
+        case ObjectType::Section:
+            if (level >= Level::Pages) {
+                auto& to = static_cast<ON::Section&>(*held.node());
+                const std::vector<std::shared_ptr<ON::Page>> items = As<ON::Section>(fetched, documentName).pages.items();
+                std::vector<std::shared_ptr<ON::Page>> resolved;
+                resolved.reserve(items.size());
+                for (const auto& page : items) resolved.push_back(Resolve(page, ObjectType::Page, level));
+                to.pages.Clear();
+                for (auto& page : resolved) to.pages.Add(std::move(page));
+            }
+            break;
+        default: break;
+    }
+    held.RaiseLevel(level);
+}
+
+void Session::Fetch(HierarchyObject& scope, Level level) {
+    if (scope.type() == ObjectType::Page) {
+        if (level == Level::PageContents) LoadContent(static_cast<PageObject&>(scope));
+        return;
+    }
+    if (scope.type() == ObjectType::Section && level <= Level::Sections) return;
+    if (scope.level() >= level) return;
+    if (log_) {
+        std::u16string line(msg::kLogRetrieving);
+        line += LevelWords(level);
+        line += msg::kLogUnder;
+        line += scope.Describe();
+        LogLine(log_, line);
+    }
+    const Level hierarchy = std::min(level, Level::Pages);
+    if (scope.level() < hierarchy) {
+        const std::u16string id = scope.type() == ObjectType::NotebookRoot ? std::u16string() : scope.id();
+        const std::u16string xml = api_->GetHierarchy(id, ScopeOf(hierarchy));
+        const ON::HierarchyDocument fetched = ON::ReadHierarchy(xml, FormatMessage(msg::kFileName, {id}));
+        Merge(scope, ON::RootOf(fetched), hierarchy);
+    }
+    if (level == Level::PageContents) {
+        LoadAllPages(scope);
+        scope.RaiseLevel(Level::PageContents);
+    }
+}
+
+void Session::LoadAllPages(HierarchyObject& scope) {
+    // Section groups nest as deep as the hierarchy: walked with a list, not recursion.
+    std::vector<xml::ChildElement*> pending{scope.node()};
+    std::vector<std::shared_ptr<HierarchyObject>> pages;
+    while (!pending.empty()) {
+        xml::ChildElement* element = pending.back();
+        pending.pop_back();
+        const xml::ChildList<ON::SectionChoice>* children = nullptr;
+        if (auto* root = dynamic_cast<ON::Notebooks*>(element)) {
+            for (auto it = root->notebooks.items().rbegin(); it != root->notebooks.items().rend(); ++it) {
+                pending.push_back(it->get());
+            }
+        } else if (auto* notebook = dynamic_cast<ON::Notebook*>(element)) {
+            children = &notebook->children;
+        } else if (auto* group = dynamic_cast<ON::SectionGroup*>(element)) {
+            children = &group->children;
+        } else if (auto* section = dynamic_cast<ON::Section*>(element)) {
+            for (const auto& page : section->pages) {
+                if (auto object = ObjectOf(*page)) pages.push_back(std::move(object));
+            }
+        }
+        if (children) {
+            for (auto it = children->items().rbegin(); it != children->items().rend(); ++it) {
+                if ((*it)->section) pending.push_back((*it)->section.get());
+                if ((*it)->sectionGroup) pending.push_back((*it)->sectionGroup.get());
+            }
+        }
+    }
+    for (const auto& page : pages) LoadContent(static_cast<PageObject&>(*page));
+}
+
+std::shared_ptr<HierarchyObject> Session::ObjectOf(const xml::ChildElement& element) const {
+    const auto found = byElement_.find(&element);
+    return found == byElement_.end() ? nullptr : found->second;
+}
+
+std::shared_ptr<HierarchyObject> Session::ObjectById(ObjectType type, std::u16string_view id) const {
+    if (!IsHierarchyType(type) || type == ObjectType::NotebookRoot) return nullptr;
+    const Cache& cache = CacheOf(type);
+    const auto found = cache.find(id);
+    return found == cache.end() ? nullptr : found->second;
+}
+
+std::vector<ObjectRef> Session::Children(HierarchyObject& parent, ObjectType type) {
+    Fetch(parent, LevelFor(type));
+    std::vector<ObjectRef> children;
+    auto add = [&](const xml::ChildElement& element) {
+        if (auto object = ObjectOf(element)) children.push_back(std::move(object));
+    };
+    const xml::ChildList<ON::SectionChoice>* choices = nullptr;
+    if (auto* root = dynamic_cast<ON::Notebooks*>(parent.node())) {
+        if (type == ObjectType::Notebook) {
+            for (const auto& notebook : root->notebooks) add(*notebook);
+        }
+    } else if (auto* notebook = dynamic_cast<ON::Notebook*>(parent.node())) {
+        choices = &notebook->children;
+    } else if (auto* group = dynamic_cast<ON::SectionGroup*>(parent.node())) {
+        choices = &group->children;
+    } else if (auto* section = dynamic_cast<ON::Section*>(parent.node())) {
+        if (type == ObjectType::Page) {
+            for (const auto& page : section->pages) add(*page);
+        }
+    }
+    if (choices) {
+        for (const auto& choice : *choices) {
+            if (type == ObjectType::Section && choice->section) add(*choice->section);
+            if (type == ObjectType::SectionGroup && choice->sectionGroup) add(*choice->sectionGroup);
+        }
+    }
+    return children;
+}
+
+std::shared_ptr<HierarchyObject> Session::TreeParent(const HierarchyObject& object) const {
+    const xml::ChildElement* parent = ON::ParentElement(*object.node());
+    return parent ? ObjectOf(*parent) : nullptr;
+}
+
+// --- pages ------------------------------------------------------------------------------------
+
+std::shared_ptr<LoadedPage> Session::LoadContent(PageObject& page) {
+    const std::u16string id = page.id();
+    if (const auto found = pageIndex_.find(id); found != pageIndex_.end()) return pageTable_[found->second];
+    if (log_) LogLine(log_, std::u16string(msg::kLogRetrievingPage) + page.name());
+    auto loaded = std::make_shared<LoadedPage>();
+    loaded->id = id;
+    {
+        // The page's XML text lives only while it is bound.
+        const std::u16string xml = api_->GetPageContent(id);
+        loaded->document = ON::ReadPage(xml, FormatMessage(msg::kPageName, {id}));
+    }
+    SyncLoadedPage(page, *loaded->document);
+    page.RaiseLevel(Level::PageContents);
+    pageIndex_.emplace(id, pageTable_.size());
+    pageTable_.push_back(loaded);
+    ++pagesLoaded_;
+    return loaded;
+}
+
+std::shared_ptr<LoadedPage> Session::LoadedContent(std::u16string_view pageId) const {
+    const auto found = pageIndex_.find(pageId);
+    return found == pageIndex_.end() ? nullptr : pageTable_[found->second];
+}
+
+void Session::HierarchyChanged(HierarchyObject& object) {
+    changed_.push_back(std::static_pointer_cast<HierarchyObject>(object.shared_from_this()));
+}
+
+std::u16string Session::Hyperlink(std::u16string_view hierarchyId, std::u16string_view objectId) {
+    return api_->GetHyperlinkToObject(hierarchyId, objectId);
+}
+
+}  // namespace qm::onenote
