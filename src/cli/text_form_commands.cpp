@@ -113,7 +113,9 @@ const LoadedMacro& Single(const MacroFile& file, const std::optional<std::string
     if (file.macros.empty()) throw CommandFailure{FormatMessage(kNoMacro, {FromUtf8(file.name)})};
     std::u16string text =
         FormatMessage(kSeveralMacros, {FromUtf8(file.name), Ascii(std::to_string(file.macros.size()))});
-    for (const auto& loaded : file.macros) text += u"\n" + FormatMessage(kListEntry, {*loaded.macro->id, loaded.macro->name});
+    for (const auto& loaded : file.macros) {
+        text += u"\n" + FormatMessage(kListEntry, {*loaded.macro->id, loaded.macro->name});
+    }
     throw CommandFailure{std::move(text)};
 }
 

@@ -25,6 +25,8 @@
 //    never both. Blank lines are skipped.
 //  - Functions stand at the top level, anywhere; they are stored after the statements. Names of
 //    loop variables and parameters are stored without "$".
+//  - Expressions are written as the printer prints them, less the parentheses of an outermost
+//    operator; a line break inside a string literal is written as the escape \n or \r.
 #pragma once
 
 #include <exception>
