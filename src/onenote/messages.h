@@ -33,11 +33,41 @@ inline constexpr std::u16string_view kFolderFileError = u"[1]";
 inline constexpr std::u16string_view kSampleNotFound =
     u"Cannot find the sample notebook that comes with Quillmark (looked in: [1])";
 
+// Listings of a notebook folder (quillmark notebook show). Lines are indented by two spaces per
+// level; [1] is a name or text, [2] an ID.
+inline constexpr std::u16string_view kListNotebook = u"Notebook: [1]  [2]";
+inline constexpr std::u16string_view kListSectionGroup = u"Section group: [1]  [2]";
+inline constexpr std::u16string_view kListSection = u"Section: [1]  [2]";
+inline constexpr std::u16string_view kListPage = u"Page: [1]  [2]";
+inline constexpr std::u16string_view kListUnfiledNotes = u"Unfiled notes";
+inline constexpr std::u16string_view kListOpenSections = u"Open sections";
+inline constexpr std::u16string_view kListCurrent = u" (current)";
+inline constexpr std::u16string_view kListReadOnly = u" (read-only)";
+inline constexpr std::u16string_view kListLocked = u" (locked)";
+inline constexpr std::u16string_view kListUnread = u" (unread)";
+inline constexpr std::u16string_view kListUntitled = u"(untitled)";
+inline constexpr std::u16string_view kListTitle = u"Title: [1]";
+inline constexpr std::u16string_view kListOutline = u"Outline";
+inline constexpr std::u16string_view kListTable = u"Table: [1] columns, [2] rows";
+inline constexpr std::u16string_view kListRow = u"| [1] |";
+inline constexpr std::u16string_view kListCellSeparator = u" | ";
+inline constexpr std::u16string_view kListImage = u"Image: [1]";
+inline constexpr std::u16string_view kListEmbeddedFile = u"Embedded file: [1]";
+inline constexpr std::u16string_view kListMediaFile = u"Recording: [1]";
+inline constexpr std::u16string_view kListInk = u"Ink";
+inline constexpr std::u16string_view kListInkWord = u"(ink: [1])";
+inline constexpr std::u16string_view kListHtmlBlock = u"HTML block";
+inline constexpr std::u16string_view kListKept = u"Kept as read: [1]";
+inline constexpr std::u16string_view kListBullet = u"\x2022 ";
+inline constexpr std::u16string_view kListTag = u"[[1]] ";
+inline constexpr std::u16string_view kListTagDone = u"[[1], done] ";
+
 // quillmark notebook ...
 inline constexpr std::u16string_view kResetDone = u"The working notebook in \"[1]\" is the sample notebook again.";
 inline constexpr std::u16string_view kGenerated = u"Wrote [1] notebooks, [2] sections and [3] pages to \"[4]\".";
 inline constexpr std::u16string_view kGenerateFolderNotEmpty =
     u"\"[1]\" is not empty: choose a new or empty folder";
+inline constexpr std::u16string_view kGenerateTooLarge = u"That is more than [1] pages: ask for fewer";
 inline constexpr std::u16string_view kUnknownObject = u"No notebook, section group, section or page has the ID \"[1]\"";
 
 // The macro object model: properties.

@@ -18,7 +18,8 @@ void EachSectionChoice(const xml::ChildList<ON::SectionChoice>& children,
     }
 }
 
-// The direct hierarchy children of a node.
+}  // namespace
+
 void ForEachChild(const xml::ChildElement& node, const std::function<void(xml::ChildElement&, Kind)>& visit) {
     switch (KindOf(node)) {
         case Kind::Notebooks: {
@@ -38,6 +39,8 @@ void ForEachChild(const xml::ChildElement& node, const std::function<void(xml::C
         default: break;
     }
 }
+
+namespace {
 
 int Level(Kind kind) {
     switch (kind) {

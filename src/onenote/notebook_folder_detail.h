@@ -16,6 +16,9 @@ enum class Kind { Notebooks, Notebook, SectionGroup, Section, Page, UnfiledNotes
 
 Kind KindOf(const xml::ChildElement& element);
 
+// The direct hierarchy children of a node, in document order.
+void ForEachChild(const xml::ChildElement& node, const std::function<void(xml::ChildElement&, Kind)>& visit);
+
 // Every hierarchy node from `root` down, parents before children, in document order.
 void ForEachNode(xml::ChildElement& root, const std::function<void(xml::ChildElement&, Kind)>& visit);
 

@@ -26,6 +26,8 @@ public:
     };
 
     DocumentError(Kind kind, std::u16string message);
+    // A document that is XML but not the one expected.
+    explicit DocumentError(std::u16string message) : DocumentError(Kind::Invalid, std::move(message)) {}
     Kind kind() const noexcept { return kind_; }
     const std::u16string& message() const noexcept { return message_; }
     const char* what() const noexcept override { return utf8_.c_str(); }

@@ -72,7 +72,7 @@ std::u16string PlainText(std::u16string_view markup) {
             if (!DecodeEntity(markup.substr(i), out, length)) out += c;
             i += length;
         } else {
-            out += c;
+            out += c == u'\n' || c == u'\r' ? u' ' : c;
             ++i;
         }
     }

@@ -1,7 +1,8 @@
 // The plain text of OneNote's run markup, for page names and readable listings. This is a small
 // stripping, not the formatted-text reading of runs: tags are dropped, "<br>" becomes a line
-// break, entities become their characters ("&nbsp;" a plain space), and the blanks around the
-// whole text (indentation of the XML it came from) are trimmed.
+// break while line breaks in the markup itself are blanks (as in HTML), entities become their
+// characters ("&nbsp;" a plain space), and the blanks around the whole text (indentation of the
+// XML it came from) are trimmed.
 #pragma once
 
 #include <string>

@@ -344,6 +344,7 @@ TEST(PlainText, StripsMarkupForNamesAndListings) {
         {u"\n   <span\nstyle='font-weight:bold'>bold</span> &amp; <a href=\"x\">link</a>\n  ", u"bold & link"},
         {u"a&nbsp;b&lt;c&gt;&#8364;&#x41;&unknown;", u"a b<c>\x20AC" u"A&unknown;"},
         {u"one<br>two<BR/>three", u"one\ntwo\nthree"},
+        {u"markup\nwrapped\r\nhere", u"markup wrapped  here"},
         {u"<span lang=de-DE>Grüße</span>", u"Grüße"},
         {u"broken <span", u"broken"},
         {u"&#0; &#x110000; &#xZZ;", u"&#0; &#x110000; &#xZZ;"},
