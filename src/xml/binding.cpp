@@ -82,29 +82,49 @@ ReadResult RunReadLoop(ElementHandler& handler, ReadSession& session) {
 
     if (!reader.isEmptyElement()) {
         const bool wantsText = handler.WantsText();
+        const bool mixed = handler.Mixed();
         TextCollector text(wantsText);
         bool declarationSeen = false;
         bool ended = false;
+        int transparent = 0;  // unclaimed elements open inside mixed content
         while (!ended && reader.Read()) {
             switch (reader.nodeType()) {
                 case NodeType::Element: {
                     text.OnElement();
                     const std::u16string_view name = reader.localName();
+                    const bool empty = reader.isEmptyElement();
                     const ReadResult result = declarationSeen && name == handler.Name()
                                                   ? handler.ReadAgain(session)
                                                   : handler.Child(name, session);
+                    if (mixed && result == ReadResult::NotMine && !empty) ++transparent;
                     ended = result == ReadResult::Finished;
                     break;
                 }
                 case NodeType::Text:
                 case NodeType::CDATA: {
+                    if (mixed) {
+                        handler.MixedText(reader.value());
+                        break;
+                    }
                     const bool cdata = reader.nodeType() == NodeType::CDATA;
                     text.OnText(reader.value(), cdata);
                     if (!wantsText) handler.StrayText(reader.value(), cdata);
                     break;
                 }
-                case NodeType::Whitespace: text.OnBlank(reader.value()); break;
-                case NodeType::EndElement: ended = true; break;
+                case NodeType::Whitespace:
+                    if (mixed) {
+                        handler.MixedText(reader.value());
+                    } else {
+                        text.OnBlank(reader.value());
+                    }
+                    break;
+                case NodeType::EndElement:
+                    if (transparent > 0) {
+                        --transparent;
+                    } else {
+                        ended = true;
+                    }
+                    break;
                 case NodeType::XmlDeclaration: declarationSeen = true; break;
                 default: break;
             }

@@ -17,6 +17,11 @@
 //    element has no child elements at all.
 // When an element's read ends, the context's element-end callback is told.
 //
+// An element with a mixed content field (fields.h) reads differently: every text node, blank or
+// not, goes to that field in document order, and a child element that no field claims is
+// transparent: its attributes are dropped, its content is read as the element's own, and its end
+// tag does not end the element.
+//
 // A schema that must not lose what it does not model (documents another program owns and takes
 // back) sets `kKeepUnknown` in its bindings and gives its element types an `Unknowns unknown`
 // member (raw_content.h). Reading such an element differs in three ways: attributes no field
@@ -57,6 +62,9 @@ public:
     virtual void StrayText(std::u16string_view text, bool cdata) = 0;
     virtual ReadResult ReadAgain(ReadSession& session) = 0;
     virtual void Finish(ReadSession& session) = 0;
+    // Whether the element holds mixed content, and a text node of it.
+    virtual bool Mixed() const = 0;
+    virtual void MixedText(std::u16string_view text) = 0;
 
 protected:
     ~ElementHandler() = default;
@@ -90,6 +98,10 @@ concept KeepsUnknown = requires(E& e) {
     { Binding<E>::kKeepUnknown } -> std::convertible_to<bool>;
     { e.unknown } -> std::convertible_to<Unknowns&>;
 } && Binding<E>::kKeepUnknown;
+
+// A field that holds mixed content.
+template <class F>
+concept MixedField = requires { requires F::kMixed; };
 
 template <class E>
 class ElementReader final : public ElementHandler {
@@ -170,6 +182,14 @@ public:
 
     ReadResult ReadAgain(ReadSession& session) override { return ReadElement(element_, name_, session); }
 
+    bool Mixed() const override {
+        return std::apply([](const auto&... field) { return (IsMixedField(field) || ...); }, Binding<E>::kFields);
+    }
+
+    void MixedText(std::u16string_view text) override {
+        std::apply([&](const auto&... field) { (AddMixedText(field, text), ...); }, Binding<E>::kFields);
+    }
+
     void Finish(ReadSession& session) override {
         session.SetLastElement(&element_);
         if constexpr (requires { Binding<E>::End(element_, session); }) Binding<E>::End(element_, session);
@@ -184,6 +204,16 @@ private:
     template <class F>
     static constexpr Phase FieldPhase(const F&) {
         return F::kPhase;
+    }
+
+    template <class F>
+    static constexpr bool IsMixedField(const F&) {
+        return MixedField<F>;
+    }
+
+    template <class F>
+    void AddMixedText(const F& field, std::u16string_view text) {
+        if constexpr (MixedField<F>) field.AddText(element_, text);
     }
 
     bool ClaimAttribute(std::u16string_view name, std::u16string_view value) {

@@ -429,6 +429,62 @@ constexpr VariantChoiceListField<E, V, Alts...> ChoiceList(std::u16string_view g
     return {group, member, std::tuple<Alts...>{alternatives...}};
 }
 
+// --- mixed content ----------------------------------------------------------------------------
+
+// Text interleaved with elements, as in HTML-like markup: one list in document order whose items
+// are pieces of text (the variant's std::u16string alternative) and elements of the named
+// alternatives (VariantAlternative). Every text node counts, blank ones included, and adjacent
+// text is joined into one piece. An element holding such a field reads as mixed content (see
+// binding.h): an element no alternative claims is transparent there.
+template <class E, class V, class... Alts>
+struct MixedContentField {
+    static constexpr Phase kPhase = Phase::Child;
+    static constexpr bool kMixed = true;
+    std::vector<V> E::*member;
+    std::tuple<Alts...> alternatives;
+
+    ReadResult ReadChild(E& e, std::u16string_view actual, ReadSession& session, bool&) const {
+        if (!IsAlternativeName(alternatives, actual)) return ReadResult::NotMine;
+        std::vector<V>& items = e.*member;
+        items.emplace_back();
+        // The new element reads its own content into its own list, so the reference stays valid.
+        V& item = items.back();
+        return OfferToAlternatives(alternatives, actual, [&](const auto& alt) { return alt.ReadInto(item, session); });
+    }
+    void AddText(E& e, std::u16string_view text) const {
+        if (text.empty()) return;
+        std::vector<V>& items = e.*member;
+        if (!items.empty()) {
+            if (auto* last = std::get_if<std::u16string>(&items.back())) {
+                last->append(text);
+                return;
+            }
+        }
+        items.emplace_back(std::in_place_type<std::u16string>, text);
+    }
+    void Write(const E& e, XmlWriter& writer) const {
+        for (const V& item : e.*member) {
+            if (const auto* text = std::get_if<std::u16string>(&item)) {
+                writer.WriteString(*text);
+            } else {
+                std::apply([&](const auto&... alt) { (alt.Write(item, writer), ...); }, alternatives);
+            }
+        }
+    }
+    bool Knows(std::u16string_view actual) const { return IsAlternativeName(alternatives, actual); }
+    template <class F>
+    void Each(const E& e, F&& visit) const {
+        for (const V& item : e.*member) {
+            std::apply([&](const auto&... alt) { (alt.Each(item, visit), ...); }, alternatives);
+        }
+    }
+};
+
+template <class E, class V, class... Alts>
+constexpr MixedContentField<E, V, Alts...> Mixed(std::vector<V> E::*member, Alts... alternatives) {
+    return {member, std::tuple<Alts...>{alternatives...}};
+}
+
 // --- text content -----------------------------------------------------------------------------
 
 // Text kept in a string member; the cdata flag in a bool member (for header types, the header's).
