@@ -1,0 +1,45 @@
+// The markup of a paragraph's text element (ON::T) read into runs and written back.
+//
+// Reading:
+// 1. The blanks OneNote's indented page XML puts around the text (a line break and indentation
+//    on both sides of the CDATA section) are not text: blanks at either end that hold a line
+//    break are left out.
+// 2. Every "<br>" becomes a line break ("<br/>", "<br />" and upper-case forms too), then every
+//    "&nbsp;" a plain space (U+0020).
+// 3. Attribute values written without quotes (OneNote writes `lang=en-US`) get quotes, so the
+//    fragment is XML; nothing outside start tags is touched.
+// 4. The fragment is wrapped in `<?xml version="1.0"?><Text>` ... `</Text>` and read with the FMT
+//    binding. Elements other than `span` and `a` count for their text only.
+// 5. Each maximal stretch of characters under the same chain of `span` and `a` elements is one
+//    run. Its CSS is that of its spans, outer to inner (an inner declaration wins), its language
+//    that of the nearest span that has one, its link that of the nearest `a` that has an `href`.
+// Markup that still does not read (broken markup from other tools, an unknown entity) is not an
+// error and is never lost: the text becomes one plain run holding the stored text as it is, and
+// the element keeps that text unchanged unless a macro changes it.
+//
+// Writing (only when a macro changed something; an unchanged element keeps its text byte for
+// byte): neighbouring runs with the same formatting are joined; a run with CSS or a language is a
+// `<span style='...' lang=...>` (the style in single quotes as OneNote writes it, the language
+// without quotes when it is a plain tag such as en-US); consecutive runs with the same link share
+// one `<a href="...">`; a line break is "<br>"; a space that HTML would fold away (at either end
+// of the text or of a line, or before another space) is "&nbsp;"; &, <, > and " are escaped. No
+// XML declaration or wrapper is written.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "onenote/fmt_runs.h"
+
+namespace qm::onenote {
+
+// Steps 1 to 3: the fragment as XML, without the wrapper.
+std::u16string PrepareMarkup(std::u16string_view content);
+
+// The runs of a text element's content.
+FormattedText ParseMarkup(std::u16string_view content);
+
+// The markup of the runs (joined as FormattedText::Normalize does).
+std::u16string WriteMarkup(const FormattedText& text);
+
+}  // namespace qm::onenote

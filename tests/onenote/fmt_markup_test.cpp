@@ -1,0 +1,283 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "core/text.h"
+#include "onenote/fmt_markup.h"
+#include "onenote/fmt_paragraph.h"
+#include "onenote/fmt_schema.h"
+#include "onenote/on_document.h"
+#include "onenote_test_util.h"
+
+namespace qm::onenote {
+namespace {
+
+namespace fs = std::filesystem;
+
+// A run written compactly: text, then "css", "lang", "href" (empty: none).
+struct R {
+    R(std::u16string t, std::u16string c = {}, std::u16string l = {}, std::u16string h = {})
+        : text(std::move(t)), css(std::move(c)), lang(std::move(l)), href(std::move(h)) {}
+    std::u16string text;
+    std::u16string css;
+    std::u16string lang;
+    std::u16string href;
+};
+
+TextRun Run(const R& r) {
+    TextRun run{r.text, {}};
+    run.format.style = ParseCss(r.css);
+    if (!r.lang.empty()) run.format.lang = r.lang;
+    if (!r.href.empty()) run.format.href = r.href;
+    return run;
+}
+
+std::vector<TextRun> Runs(std::initializer_list<R> runs) {
+    std::vector<TextRun> out;
+    for (const R& r : runs) out.push_back(Run(r));
+    return out;
+}
+
+std::string Show(const std::vector<TextRun>& runs) {
+    std::string out;
+    for (const TextRun& run : runs) {
+        out += "[" + ToUtf8(run.text) + "|" + ToUtf8(FormatCss(run.format.style)) + "|" +
+               ToUtf8(run.format.lang.value_or(u"")) + "|" + ToUtf8(run.format.href.value_or(u"")) + "]";
+    }
+    return out;
+}
+
+// Reading what was written gives the runs back, joined.
+void ExpectStable(const FormattedText& text) {
+    FormattedText joined = text;
+    joined.Normalize();
+    const std::u16string markup = WriteMarkup(text);
+    const FormattedText again = ParseMarkup(markup);
+    EXPECT_TRUE(again.readable) << ToUtf8(markup);
+    EXPECT_EQ(Show(again.runs), Show(joined.runs)) << ToUtf8(markup);
+}
+
+TEST(FormattedTextReading, RunsFollowTheChainsOfSpansAndLinks) {
+    struct Case {
+        std::u16string content;
+        std::vector<TextRun> runs;
+    };
+    const Case cases[] = {
+        {u"", {}},
+        {u"plain", Runs({{u"plain"}})},
+        {u"a<br>b", Runs({{u"a\nb"}})},
+        {u"a<BR/>b<br />c", Runs({{u"a\nb\nc"}})},
+        {u"one&nbsp; two&nbsp;", Runs({{u"one  two "}})},
+        {u"&lt;T&gt; &amp; &quot;q&quot;", Runs({{u"<T> & \"q\""}})},
+        {u"Text can be <span\nstyle='font-weight:bold'>bold</span>, <span style='text-decoration:\nline-through'>gone</span>.",
+         Runs({{u"Text can be "}, {u"bold", u"font-weight:bold"}, {u", "}, {u"gone", u"text-decoration:line-through"},
+               {u"."}})},
+        {u"<span lang=en-US>Hi</span><span style='color:red' lang=de-DE>Du</span>",
+         Runs({{u"Hi", u"", u"en-US"}, {u"Du", u"color:red", u"de-DE"}})},
+        {u"See <a\nhref=\"http://x.org/?a=1&amp;b=2\">x <span style='font-style:italic'>org</span></a>!",
+         Runs({{u"See "}, {u"x ", u"", u"", u"http://x.org/?a=1&b=2"},
+               {u"org", u"font-style:italic", u"", u"http://x.org/?a=1&b=2"}, {u"!"}})},
+        // Nested spans: the inner declaration wins, the outer ones stay.
+        {u"<span style='font-weight:bold;color:red' lang=fr><span style='color:blue'>x</span>y</span>",
+         Runs({{u"x", u"font-weight:bold;color:blue", u"fr"}, {u"y", u"font-weight:bold;color:red", u"fr"}})},
+        // Two spans with the same style are two chains; an empty span does not part its neighbours.
+        {u"<span style='a:1'>x</span><span style='a:1'>y</span>a<span></span>b",
+         Runs({{u"x", u"a:1"}, {u"y", u"a:1"}, {u"ab"}})},
+        // Elements other than span and a count for their text only.
+        {u"<b>x</b><p>y<span style='a:1'>z</span></p>", Runs({{u"xy"}, {u"z", u"a:1"}})},
+        // Blank text between elements is text.
+        {u"<span style='a:1'>x</span>  <span style='a:2'>y</span>", Runs({{u"x", u"a:1"}, {u"  "}, {u"y", u"a:2"}})},
+        // The indentation of the page XML around the text is not text; other blanks are.
+        {u"\n          <span style='a:1'>x</span>\n        ", Runs({{u"x", u"a:1"}})},
+        {u"  x ", Runs({{u"  x "}})},
+        {u"x\x01y", Runs({{u"x\x01y"}})},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(ToUtf8(c.content));
+        const FormattedText text = ParseMarkup(c.content);
+        EXPECT_TRUE(text.readable);
+        EXPECT_EQ(Show(text.runs), Show(c.runs));
+        ExpectStable(text);
+    }
+}
+
+TEST(FormattedTextReading, NbspIsAPlainSpaceAndIndicesCountTheReplacedText) {
+    const FormattedText text = ParseMarkup(u"a&nbsp;<span style='x:y'>b<br>c</span>d");
+    EXPECT_EQ(text.PlainText(), u"a b\ncd");
+    EXPECT_EQ(text.PlainText().find(u'\xA0'), std::u16string::npos);
+    EXPECT_EQ(text.Starts(), (std::vector<std::size_t>{0, 2, 5}));
+    ASSERT_NE(text.RunAt(3), nullptr);
+    EXPECT_EQ(text.RunAt(3)->text, u"b\nc");
+    EXPECT_EQ(text.RunAt(99)->text, u"d");
+}
+
+TEST(FormattedTextReading, MarkupThatDoesNotReadIsOnePlainRunOfTheStoredText) {
+    const std::u16string broken[] = {
+        u"<span style='a:1'>unclosed",
+        u"caf&eacute; &copy;",
+        u"a < b",
+        u"<span style=a:1>x</span>",  // quoted by the repair: this one reads
+        u"</span>stray end",
+        u"x</Text><Text>y",
+        u"<span style='a'>x</span",
+    };
+    for (const std::u16string& content : broken) {
+        SCOPED_TRACE(ToUtf8(content));
+        const FormattedText text = ParseMarkup(u"\n  " + content + u"\n");
+        if (content.starts_with(u"<span style=a:1>")) {
+            EXPECT_TRUE(text.readable);
+            EXPECT_EQ(Show(text.runs), Show(Runs({{u"x", u"a:1"}})));
+            continue;
+        }
+        EXPECT_FALSE(text.readable);
+        EXPECT_EQ(Show(text.runs), Show(Runs({{content}})));
+    }
+}
+
+TEST(FormattedTextReading, UnquotedValuesAreQuotedInsideStartTagsOnly) {
+    EXPECT_EQ(PrepareMarkup(u"lang=en <span lang=en-US style='a:b'>x=y</span>"),
+              u"lang=en <span lang=\"en-US\" style='a:b'>x=y</span>");
+    EXPECT_EQ(PrepareMarkup(u"<a href=http://x/?a=1&b=2&amp;c>y</a>"),
+              u"<a href=\"http://x/?a=1&amp;b=2&amp;c\">y</a>");
+    EXPECT_EQ(PrepareMarkup(u"<span lang=a\"b>x</span><!-- lang=x -->"), u"<span lang='a\"b'>x</span><!-- lang=x -->");
+}
+
+TEST(FormattedTextWriting, RunsBecomeOneNoteMarkup) {
+    struct Case {
+        std::vector<TextRun> runs;
+        std::u16string markup;
+    };
+    const Case cases[] = {
+        {Runs({{u"plain"}}), u"plain"},
+        {Runs({{u"a", u"font-weight:bold"}, {u"b", u"font-weight:bold"}, {u"c"}}),
+         u"<span style='font-weight:bold'>ab</span>c"},
+        {Runs({{u"x", u"font-family:\"Segoe UI\";color:#FF0000", u"en-US"}}),
+         u"<span style='font-family:\"Segoe UI\";color:#FF0000' lang=en-US>x</span>"},
+        {Runs({{u"x", u"font-family:O'Neil", u"x y"}}), u"<span style='font-family:O&#39;Neil' lang='x y'>x</span>"},
+        {Runs({{u"go ", u"", u"", u"http://a/?b=\"1\"&c"}, {u"there", u"font-style:italic", u"", u"http://a/?b=\"1\"&c"},
+               {u"!"}}),
+         u"<a href=\"http://a/?b=&quot;1&quot;&amp;c\">go <span style='font-style:italic'>there</span></a>!"},
+        {Runs({{u"a", u"", u"", u"u1"}, {u"b", u"", u"", u"u2"}}), u"<a href=\"u1\">a</a><a href=\"u2\">b</a>"},
+        {Runs({{u"1 < 2 & \"3\" > 0\nnext\rline"}}), u"1 &lt; 2 &amp; &quot;3&quot; &gt; 0<br>next&#13;line"},
+        // Spaces HTML would fold: at the ends of the text and of its lines, and before another space.
+        {Runs({{u" a  b   c \n d "}}), u"&nbsp;a&nbsp; b&nbsp;&nbsp; c&nbsp;<br>&nbsp;d&nbsp;"},
+        {Runs({{u"a"}, {u"", u"color:red"}, {u"b"}}), u"ab"},
+    };
+    for (const Case& c : cases) {
+        FormattedText text;
+        text.runs = c.runs;
+        SCOPED_TRACE(Show(c.runs));
+        EXPECT_EQ(ToUtf8(WriteMarkup(text)), ToUtf8(c.markup));
+        ExpectStable(text);
+    }
+}
+
+TEST(FormattedTextWriting, ContentOneNoteWroteIsStoredOnlyWhenItChanges) {
+    const std::u16string contents[] = {
+        u"\n          Text can be <span\nstyle='font-weight:bold'>bold</span>,  <span lang=en-US>x</span>&nbsp;\n        ",
+        u"<a\nhref=\"https://docs.example.org/a?b=c\">https://docs.example.org/a?b=c</a>&nbsp;",
+        u"<span style='font-weight:bold;text-decoration:underline'>Can</span><span\nstyle='font-weight:bold'> be</span>.",
+        u"broken <span",
+    };
+    for (const std::u16string& content : contents) {
+        SCOPED_TRACE(ToUtf8(content));
+        ON::T t;
+        t.text = content;
+        const FormattedText runs = ReadRuns(t);
+        FormattedText same = runs;
+        same.Normalize();
+        EXPECT_FALSE(StoreRuns(t, runs, same));
+        EXPECT_EQ(t.text, content);
+        if (runs.readable) ExpectStable(runs);
+    }
+}
+
+TEST(FormattedTextBinding, MixedContentKeepsTextAndElementsInOrder) {
+    const auto root = FMT::ParseText(
+        u"<?xml version=\"1.0\"?><Text>a <span style='s' lang='l'>b<a href='h'>c</a> </span><i>d</i>e</Text>");
+    ASSERT_EQ(root->content.size(), 3u);
+    EXPECT_EQ(std::get<std::u16string>(root->content[0]), u"a ");
+    const auto& span = std::get<std::shared_ptr<FMT::span>>(root->content[1]);
+    EXPECT_EQ(span->style, u"s");
+    EXPECT_EQ(span->lang, u"l");
+    ASSERT_EQ(span->content.size(), 3u);
+    EXPECT_EQ(std::get<std::shared_ptr<FMT::a>>(span->content[1])->href, u"h");
+    EXPECT_EQ(std::get<std::u16string>(span->content[2]), u" ");
+    EXPECT_EQ(std::get<std::u16string>(root->content[2]), u"de");
+    EXPECT_EQ(FMT::SerializeText(*root),
+              u"<Text>a <span style=\"s\" lang=\"l\">b<a href=\"h\">c</a><![CDATA[ ]]></span>de</Text>");
+}
+
+TEST(FormattedTextBinding, DeepNestingFailsCleanlyAndFallsBack) {
+    std::u16string deep;
+    for (int i = 0; i < 2000; ++i) deep += u"<span>";
+    deep += u"x";
+    const FormattedText text = ParseMarkup(deep);
+    EXPECT_FALSE(text.readable);
+    ASSERT_EQ(text.runs.size(), 1u);
+    EXPECT_EQ(text.runs[0].text, deep);
+}
+
+// The text elements of a page: its title's, its outlines' and their tables', in order.
+std::vector<const ON::T*> TextElementsOfPage(const ON::Page& page) {
+    std::vector<const ON::T*> out;
+    std::vector<const ON::OE*> pending;
+    auto addLists = [&](const xml::ChildList<ON::OEChildren>& lists) {
+        std::vector<const ON::OE*> found;
+        for (const auto& list : lists) {
+            for (const auto& item : list->items) {
+                if (item->oe) found.push_back(item->oe.get());
+            }
+        }
+        pending.insert(pending.end(), found.rbegin(), found.rend());
+    };
+    for (auto it = page.elements.items().rbegin(); it != page.elements.items().rend(); ++it) {
+        if ((*it)->outline) addLists((*it)->outline->oeChildren);
+    }
+    if (page.title && page.title->oe) pending.push_back(page.title->oe.get());
+    while (!pending.empty()) {
+        const ON::OE* oe = pending.back();
+        pending.pop_back();
+        addLists(oe->oeChildren);
+        for (auto it = oe->content.items().rbegin(); it != oe->content.items().rend(); ++it) {
+            if ((*it)->table) {
+                for (auto row = (*it)->table->rows.items().rbegin(); row != (*it)->table->rows.items().rend(); ++row) {
+                    for (auto cell = (*row)->cells.items().rbegin(); cell != (*row)->cells.items().rend(); ++cell) {
+                        addLists((*cell)->oeChildren);
+                    }
+                }
+            }
+        }
+        for (const auto& choice : oe->content) {
+            if (choice->t) out.push_back(choice->t.get());
+        }
+    }
+    return out;
+}
+
+// Every text element of the real pages reads, and writing its runs back reads as the same runs.
+TEST(FormattedTextSamples, EveryTextElementOfTheRealPagesReadsWithoutLoss) {
+    const fs::path dir = testing::ReferenceDir();
+    if (dir.empty()) GTEST_SKIP() << "the OneNote reference samples are not beside the repository";
+    int elements = 0, formatted = 0;
+    for (const auto& entry : fs::directory_iterator(dir / "samples")) {
+        const std::string name = entry.path().filename().string();
+        if (entry.path().extension() != ".xml" || !name.starts_with("p")) continue;
+        SCOPED_TRACE(name);
+        const auto page = ON::ReadPage(testing::ReadSample(entry.path()), FromUtf8(name));
+        const std::vector<const ON::T*> ts = TextElementsOfPage(*page);
+        for (const ON::T* t : ts) {
+            ++elements;
+            const FormattedText runs = ParseMarkup(t->text);
+            EXPECT_TRUE(runs.readable) << ToUtf8(t->text);
+            if (runs.runs.size() > 1 || (runs.runs.size() == 1 && !runs.runs[0].format.IsPlain())) ++formatted;
+            EXPECT_EQ(runs.PlainText().find(u"&nbsp;"), std::u16string::npos);
+            ExpectStable(runs);
+        }
+    }
+    EXPECT_GT(elements, 100);
+    EXPECT_GT(formatted, 20);
+}
+
+}  // namespace
+}  // namespace qm::onenote
