@@ -1,0 +1,93 @@
+// Bytes (UTF-8) as the content of a paragraph's text element. Reading never fails; an element
+// stored back unchanged keeps its text; runs written as markup read back as the same runs
+// (joined), and writing those again gives the same markup; an edit of a stretch, stored and read
+// again, gives the edited text.
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <string_view>
+
+#include "core/text.h"
+#include "onenote/fmt_markup.h"
+#include "onenote/fmt_paragraph.h"
+#include "onenote/fmt_properties.h"
+
+namespace {
+
+using namespace qm::onenote;
+
+void Check(bool condition) {
+    if (!condition) std::abort();
+}
+
+// The writer puts U+FFFD for a null character, which markup cannot carry.
+FormattedText AsWritten(FormattedText text) {
+    text.Normalize();
+    for (TextRun& run : text.runs) {
+        for (char16_t& c : run.text) {
+            if (c == u'\0') c = u'\xFFFD';
+        }
+    }
+    text.Normalize();
+    return text;
+}
+
+void CheckRewrite(const FormattedText& runs) {
+    const std::u16string markup = WriteMarkup(runs);
+    const FormattedText again = ParseMarkup(markup);
+    Check(again.readable);
+    Check(again.runs == AsWritten(runs).runs);
+    Check(WriteMarkup(again) == markup);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    // The first three bytes choose an edit; the rest is the content.
+    const std::size_t control = size < 3 ? size : 3;
+    const std::u16string content =
+        qm::FromUtf8(std::string_view(reinterpret_cast<const char*>(data) + control, size - control));
+
+    qm::ON::T t;
+    t.text = content;
+    const FormattedText runs = ReadRuns(t);
+    Check(runs.readable || runs.runs.size() == 1);
+    FormattedText same = runs;
+    same.Normalize();
+    Check(!StoreRuns(t, runs, same) && t.text == content);
+    CheckRewrite(runs);
+
+    if (control < 3) return 0;
+    const std::size_t length = runs.Length();
+    const std::size_t start = length == 0 ? 0 : data[0] % (length + 1);
+    const std::size_t end = start + (length == 0 ? 0 : data[1] % (length - start + 1));
+    FormattedText edited = runs;
+    std::u16string expected = runs.PlainText();
+    switch (data[2] % 4) {
+        case 0: {
+            const std::u16string text = u"x\ny";
+            edited.ReplaceRange(start, end, text);
+            expected.replace(start, end - start, text);
+            break;
+        }
+        case 1:
+            edited.FormatRange(start, end, [](TextFormat& f) {
+                WriteTextProperty(f, TextProperty::Bold, qm::MacroValue(true));
+                WriteTextProperty(f, TextProperty::Lang, qm::MacroValue(u"en-US"));
+            });
+            break;
+        case 2:
+            edited.FormatRange(start, end, [](TextFormat& f) {
+                WriteTextProperty(f, TextProperty::Hyperlink, qm::MacroValue(u"http://a/?b=1&c='2'"));
+                WriteTextProperty(f, TextProperty::Underline, qm::MacroValue(false));
+            });
+            break;
+        default: edited.ReplaceRange(start, end, u""); expected.erase(start, end - start); break;
+    }
+    Check(edited.PlainText() == expected);
+    StoreRuns(t, runs, edited);
+    const FormattedText stored = ReadRuns(t);
+    Check(stored.readable || t.text == content);
+    if (stored.readable) Check(AsWritten(stored).runs == AsWritten(edited).runs);
+    return 0;
+}
