@@ -108,18 +108,27 @@ void OneNoteObject::SetProperty(std::u16string_view name, const MacroValue& valu
     }
     const PropertyDef* property = FindProperty(name);
     if (!property) throw MacroError(FormatMessage(msg::kUnknownProperty, {name, TypeName()}));
-    if (property->access == Access::ReadOnly || !property->set) {
+    if (property->access == Access::ReadOnly || (!property->set && !property->update)) {
         throw MacroError(FormatMessage(msg::kReadOnlyProperty, {name, TypeName()}));
     }
     MacroValue converted;
-    try {
-        converted = Convert(value, property->kind);
-    } catch (const std::invalid_argument&) {
-        throw MacroError(
-            FormatMessage(msg::kInvalidPropertyValue, {name, TypeName(), value.DescribeShort(), KindWord(property->kind)}));
+    if (!property->update) {
+        try {
+            converted = Convert(value, property->kind);
+        } catch (const std::invalid_argument&) {
+            throw MacroError(FormatMessage(msg::kInvalidPropertyValue,
+                                           {name, TypeName(), value.DescribeShort(), KindWord(property->kind)}));
+        }
     }
-    property->set(*this, converted);
-    Written(*property);
+    bool changed = true;
+    if (property->update) {
+        changed = property->update(*this, value);
+    } else if (property->get && Equals(property->get(*this), converted)) {
+        changed = false;
+    } else {
+        property->set(*this, converted);
+    }
+    if (changed) Written(*property);
     if (log) LogLine(log, std::u16string(msg::kLogNewValue) + CurrentForLog(name).Describe());
 }
 

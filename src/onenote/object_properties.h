@@ -11,6 +11,8 @@
 // - A write converts the value to the property's kind first; a value that has no such conversion
 //   (an array, an object, a text that is no date-time) fails with kInvalidPropertyValue and
 //   leaves the object unchanged.
+// - A write that would store the value the property already has changes nothing: the page or the
+//   hierarchy node is not marked changed, so nothing is saved for it.
 // - With logging on, a write logs the current value first and the value read back after it. A
 //   write-only property has no value to show: both lines show the empty value.
 #pragma once
@@ -51,6 +53,9 @@ struct PropertyDef {
     // On a page: the property lives in the page's content (loaded on use, saved with the page)
     // rather than in the hierarchy.
     bool content = false;
+    // Instead of `set`, for a property that cannot be read back: converts and stores the value as
+    // given and tells whether anything changed.
+    bool (*update)(OneNoteObject&, const MacroValue&) = nullptr;
 };
 
 using PropertyTable = std::span<const PropertyDef>;

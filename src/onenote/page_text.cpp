@@ -1,33 +1,31 @@
 #include "onenote/page_text.h"
 
 #include <algorithm>
+#include <stdexcept>
 #include <vector>
 
+#include "core/error.h"
+#include "core/format.h"
+#include "onenote/fmt_paragraph.h"
+#include "onenote/messages.h"
 #include "onenote/page_objects.h"
-#include "onenote/plain_text.h"
+#include "onenote/session.h"
+#include "onenote/text_object.h"
 
 namespace qm::onenote {
 namespace {
 
 constexpr std::size_t kShortTextLength = 40;
 
-std::u16string Markup(std::u16string_view text) {
-    std::u16string out;
-    out.reserve(text.size());
-    for (char16_t c : text) {
-        switch (c) {
-            case u'&': out += u"&amp;"; break;
-            case u'<': out += u"&lt;"; break;
-            case u'>': out += u"&gt;"; break;
-            case u'\n': out += u"<br>"; break;
-            case u'\r': break;
-            default: out += c;
-        }
+// A paragraph of text: one that holds nothing but text runs and ink words (or nothing yet).
+bool HoldsText(const ON::OE& paragraph) {
+    for (const auto& choice : paragraph.content) {
+        if (!choice->t && !choice->inkWord) return false;
     }
-    return out;
+    return true;
 }
 
-// Every paragraph below the lists in document order (a paragraph before the paragraphs nested in
+// Every text paragraph below the lists in document order (a paragraph before the paragraphs nested in
 // it), without recursion: nesting is as deep as the page.
 std::vector<std::shared_ptr<ON::OE>> AllParagraphs(const xml::ChildList<ON::OEChildren>& lists) {
     std::vector<std::shared_ptr<ON::OE>> out;
@@ -38,7 +36,7 @@ std::vector<std::shared_ptr<ON::OE>> AllParagraphs(const xml::ChildList<ON::OECh
         pending.pop_back();
         std::vector<std::shared_ptr<ON::OE>> nested = ParagraphsOf(paragraph->oeChildren);
         pending.insert(pending.end(), nested.rbegin(), nested.rend());
-        out.push_back(std::move(paragraph));
+        if (HoldsText(*paragraph)) out.push_back(std::move(paragraph));
     }
     return out;
 }
@@ -68,43 +66,78 @@ void RemoveParagraph(ON::OE& paragraph) {
     }
 }
 
+class PageTextHost final : public TextHost {
+public:
+    PageTextHost(Session& session, const std::shared_ptr<LoadedPage>& page) : session_(&session), page_(page) {}
+    void MarkModified() override {
+        if (auto page = page_.lock()) session_->PageModified(*page);
+    }
+    LogSink* log() override { return session_->log(); }
+
+private:
+    Session* session_;
+    std::weak_ptr<LoadedPage> page_;
+};
+
 }  // namespace
 
-std::u16string ParagraphTextOf(const ON::OE& paragraph) {
-    std::u16string text;
+std::shared_ptr<TextHost> MakeTextHost(Session& session, const std::shared_ptr<LoadedPage>& page) {
+    return std::make_shared<PageTextHost>(session, page);
+}
+
+std::u16string ParagraphTextOf(const ON::OE& paragraph) { return TextOfParagraph(paragraph); }
+
+bool SetParagraphTextOf(ON::OE& paragraph, std::u16string_view text) {
+    if (!HoldsText(paragraph)) {
+        throw MacroError(FormatMessage(msg::kParagraphHoldsNoText, {ContentTypeOfParagraph(paragraph)}));
+    }
+    return SetTextOfParagraph(paragraph, text);
+}
+
+bool ApplyParagraphFormat(ON::OE& paragraph, std::u16string_view property, const MacroValue& value) {
+    const std::optional<TextProperty> which = TextPropertyNamed(property);
+    if (!which) return false;
+    MacroValue converted;
+    try {
+        converted = ConvertTextValue(*which, value);
+    } catch (const std::invalid_argument&) {
+        throw MacroError(FormatMessage(msg::kInvalidPropertyValue, {property, u"Paragraph", value.DescribeShort(),
+                                                                    KindOf(*which) == TextValueKind::Number ? msg::kKindNumber
+                                                                    : KindOf(*which) == TextValueKind::Bool ? msg::kKindBool
+                                                                                                            : msg::kKindString}));
+    }
+    return FormatParagraph(paragraph, *which, converted);
+}
+
+std::vector<ObjectRef> TextObjectsOf(const std::shared_ptr<LoadedPage>& page, ON::OE& paragraph) {
+    return TextObjectsOfParagraph(paragraph.shared_from_this(), page->textHost);
+}
+
+std::vector<ObjectRef> FindTextIn(const std::shared_ptr<LoadedPage>& page, ON::OE& paragraph, std::u16string_view value,
+                                  bool ignoreCase) {
+    return FindTextInParagraph(paragraph.shared_from_this(), value, ignoreCase, page->textHost);
+}
+
+std::u16string_view ContentTypeOfParagraph(const ON::OE& paragraph) {
+    bool t = false, image = false, table = false, ink = false, inkWord = false, file = false, media = false;
     for (const auto& choice : paragraph.content) {
-        if (choice->t) text += PlainText(choice->t->text);
+        t |= choice->t != nullptr;
+        image |= choice->image != nullptr;
+        table |= choice->table != nullptr;
+        ink |= choice->inkDrawing != nullptr;
+        inkWord |= choice->inkWord != nullptr;
+        file |= choice->insertedFile != nullptr;
+        media |= choice->mediaFile != nullptr;
     }
-    return text;
+    return t         ? u"text"
+           : image   ? u"image"
+           : table   ? u"table"
+           : ink     ? u"ink drawing"
+           : inkWord ? u"ink writing"
+           : file    ? u"embedded file"
+           : media   ? u"embedded media"
+                     : u"unknown";
 }
-
-void SetParagraphTextOf(ON::OE& paragraph, std::u16string_view text) {
-    ON::T* first = nullptr;
-    for (std::size_t i = 0; i < paragraph.content.size();) {
-        const auto& choice = paragraph.content[i];
-        if (choice->t && first == nullptr) {
-            first = choice->t.get();
-        } else if (choice->t) {
-            paragraph.content.Remove(i);
-            continue;
-        }
-        ++i;
-    }
-    if (first == nullptr) {
-        auto choice = std::make_shared<ON::OEChoice>();
-        choice->t = ON::New<ON::T>();
-        choice->t->owner = choice.get();
-        first = choice->t.get();
-        paragraph.content.Add(std::move(choice));
-    }
-    first->text = Markup(text);
-}
-
-void ApplyParagraphFormat(ON::OE&, std::u16string_view, const MacroValue&) {}
-
-std::vector<ObjectRef> TextObjectsOf(Session&, const std::shared_ptr<LoadedPage>&, ON::OE&) { return {}; }
-
-ObjectRef ParagraphOfText(Session&, const MacroObject&) { return nullptr; }
 
 std::u16string ListText(const xml::ChildList<ON::OEChildren>& lists) {
     std::u16string text;
@@ -117,7 +150,8 @@ std::u16string ListText(const xml::ChildList<ON::OEChildren>& lists) {
     return text;
 }
 
-void SetListText(xml::ChildList<ON::OEChildren>& lists, std::u16string_view text) {
+bool SetListText(xml::ChildList<ON::OEChildren>& lists, std::u16string_view text) {
+    if (ListText(lists) == text) return false;
     std::vector<std::u16string_view> lines;
     for (std::size_t start = 0;;) {
         const std::size_t end = text.find(u'\n', start);
@@ -127,13 +161,19 @@ void SetListText(xml::ChildList<ON::OEChildren>& lists, std::u16string_view text
     }
     std::vector<std::shared_ptr<ON::OE>> paragraphs = AllParagraphs(lists);
     // Leftover paragraphs go from the last one back, so that a removed paragraph takes only
-    // paragraphs that were to go anyway with it.
+    // paragraphs that were to go anyway with it; one that holds other paragraphs (a table, an
+    // image) is emptied instead.
     while (paragraphs.size() > lines.size()) {
-        RemoveParagraph(*paragraphs.back());
+        ON::OE& leftover = *paragraphs.back();
+        if (ParagraphsOf(leftover.oeChildren).empty()) {
+            RemoveParagraph(leftover);
+        } else {
+            SetParagraphTextOf(leftover, u"");
+        }
         paragraphs.pop_back();
     }
     for (std::size_t i = 0; i < paragraphs.size(); ++i) SetParagraphTextOf(*paragraphs[i], lines[i]);
-    if (paragraphs.size() == lines.size()) return;
+    if (paragraphs.size() == lines.size()) return true;
     if (lists.empty()) {
         auto list = ON::New<ON::OEChildren>();
         lists.Add(list);
@@ -146,6 +186,7 @@ void SetListText(xml::ChildList<ON::OEChildren>& lists, std::u16string_view text
         SetParagraphTextOf(*item->oe, lines[i]);
         last.items.Add(std::move(item));
     }
+    return true;
 }
 
 std::u16string ShortText(std::u16string_view text) {

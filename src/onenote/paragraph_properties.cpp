@@ -47,27 +47,7 @@ MacroValue GetHyperlink(OneNoteObject& o) {
     return MacroValue(o.session().Hyperlink(Self(o).page()->id, paragraph.objectID.value_or(u"")));
 }
 
-MacroValue GetContentType(OneNoteObject& o) {
-    bool t = false, image = false, table = false, ink = false, inkWord = false, file = false, media = false;
-    for (const auto& choice : Paragraph(o).content) {
-        t |= choice->t != nullptr;
-        image |= choice->image != nullptr;
-        table |= choice->table != nullptr;
-        ink |= choice->inkDrawing != nullptr;
-        inkWord |= choice->inkWord != nullptr;
-        file |= choice->insertedFile != nullptr;
-        media |= choice->mediaFile != nullptr;
-    }
-    const char16_t* type = t         ? u"text"
-                           : image   ? u"image"
-                           : table   ? u"table"
-                           : ink     ? u"ink drawing"
-                           : inkWord ? u"ink writing"
-                           : file    ? u"embedded file"
-                           : media   ? u"embedded media"
-                                     : u"unknown";
-    return MacroValue(type);
-}
+MacroValue GetContentType(OneNoteObject& o) { return MacroValue(ContentTypeOfParagraph(Paragraph(o))); }
 
 MacroValue GetText(OneNoteObject& o) { return MacroValue(ParagraphTextOf(Paragraph(o))); }
 void SetText(OneNoteObject& o, const MacroValue& v) { SetParagraphTextOf(Paragraph(o), v.string()); }
@@ -75,8 +55,8 @@ MacroValue GetTextNumber(OneNoteObject& o) { return MacroValue(ExtractDecimal(Pa
 void SetTextNumber(OneNoteObject& o, const MacroValue& v) { SetParagraphTextOf(Paragraph(o), DecimalText(v.decimal())); }
 
 template <const char16_t* Name>
-void SetFormat(OneNoteObject& o, const MacroValue& v) {
-    ApplyParagraphFormat(Paragraph(o), Name, v);
+bool Format(OneNoteObject& o, const MacroValue& v) {
+    return ApplyParagraphFormat(Paragraph(o), Name, v);
 }
 inline constexpr char16_t kFontName[] = u"fontName";
 inline constexpr char16_t kFontColor[] = u"fontColor";
@@ -193,7 +173,7 @@ MacroValue GetIndex(OneNoteObject& o) {
     return MacroValue(index);
 }
 
-MacroValue GetTexts(OneNoteObject& o) { return ObjectArray(TextObjectsOf(o.session(), Self(o).page(), Paragraph(o))); }
+MacroValue GetTexts(OneNoteObject& o) { return ObjectArray(TextObjectsOf(Self(o).page(), Paragraph(o))); }
 
 constexpr PropertyDef kParagraphOwn[] = {
     kTypeProperty,
@@ -211,16 +191,16 @@ constexpr PropertyDef kParagraphOwn[] = {
     {u"contentType", K::String, RO, &GetContentType},
     {u"text", K::String, RW, &GetText, &SetText},
     {u"text_numeric", K::Number, RW, &GetTextNumber, &SetTextNumber},
-    {kFontName, K::String, WO, nullptr, &SetFormat<kFontName>},
-    {kFontColor, K::String, WO, nullptr, &SetFormat<kFontColor>},
-    {kFontSize, K::Number, WO, nullptr, &SetFormat<kFontSize>},
-    {kHighlightColor, K::String, WO, nullptr, &SetFormat<kHighlightColor>},
-    {kBold, K::Bool, WO, nullptr, &SetFormat<kBold>},
-    {kItalic, K::Bool, WO, nullptr, &SetFormat<kItalic>},
-    {kUnderline, K::Bool, WO, nullptr, &SetFormat<kUnderline>},
-    {kStrikethrough, K::Bool, WO, nullptr, &SetFormat<kStrikethrough>},
-    {kSupersub, K::String, WO, nullptr, &SetFormat<kSupersub>},
-    {kLang, K::String, WO, nullptr, &SetFormat<kLang>},
+    {kFontName, K::String, WO, nullptr, nullptr, nullptr, false, &Format<kFontName>},
+    {kFontColor, K::String, WO, nullptr, nullptr, nullptr, false, &Format<kFontColor>},
+    {kFontSize, K::Number, WO, nullptr, nullptr, nullptr, false, &Format<kFontSize>},
+    {kHighlightColor, K::String, WO, nullptr, nullptr, nullptr, false, &Format<kHighlightColor>},
+    {kBold, K::Bool, WO, nullptr, nullptr, nullptr, false, &Format<kBold>},
+    {kItalic, K::Bool, WO, nullptr, nullptr, nullptr, false, &Format<kItalic>},
+    {kUnderline, K::Bool, WO, nullptr, nullptr, nullptr, false, &Format<kUnderline>},
+    {kStrikethrough, K::Bool, WO, nullptr, nullptr, nullptr, false, &Format<kStrikethrough>},
+    {kSupersub, K::String, WO, nullptr, nullptr, nullptr, false, &Format<kSupersub>},
+    {kLang, K::String, WO, nullptr, nullptr, nullptr, false, &Format<kLang>},
 };
 
 constexpr PropertyDef kParagraphLists[] = {

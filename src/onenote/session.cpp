@@ -5,6 +5,7 @@
 #include "core/format.h"
 #include "onenote/messages.h"
 #include "onenote/on_document.h"
+#include "onenote/page_text.h"
 
 namespace qm::onenote {
 namespace {
@@ -283,6 +284,7 @@ std::shared_ptr<LoadedPage> Session::LoadContent(PageObject& page) {
         const std::u16string xml = api_->GetPageContent(id);
         loaded->document = ON::ReadPage(xml, FormatMessage(msg::kPageName, {id}));
     }
+    loaded->textHost = MakeTextHost(*this, loaded);
     SyncLoadedPage(page, *loaded->document);
     page.RaiseLevel(Level::PageContents);
     pageIndex_.emplace(id, pageTable_.size());
@@ -294,6 +296,15 @@ std::shared_ptr<LoadedPage> Session::LoadContent(PageObject& page) {
 std::shared_ptr<LoadedPage> Session::LoadedContent(std::u16string_view pageId) const {
     const auto found = pageIndex_.find(pageId);
     return found == pageIndex_.end() ? nullptr : pageTable_[found->second];
+}
+
+std::shared_ptr<LoadedPage> Session::PageHolding(const xml::ChildElement& element) const {
+    const xml::ChildElement* root = &element;
+    while (const xml::ChildElement* parent = ON::ParentElement(*root)) root = parent;
+    for (const auto& page : pageTable_) {
+        if (page->document.get() == root) return page;
+    }
+    return nullptr;
 }
 
 void Session::HierarchyChanged(HierarchyObject& object) {

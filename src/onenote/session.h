@@ -41,11 +41,14 @@
 
 namespace qm::onenote {
 
+class TextHost;
+
 // A page whose content the run loaded: its record in the page table.
 struct LoadedPage {
     std::u16string id;
-    std::shared_ptr<ON::Page> document;  // the bound content; null once the run let it go
+    std::shared_ptr<ON::Page> document;  // the bound content
     bool modified = false;
+    std::shared_ptr<TextHost> textHost;  // what the page's Text objects report to
 };
 
 class Session final : public ObjectModel, public RunDocuments {
@@ -98,11 +101,17 @@ public:
     std::shared_ptr<LoadedPage> LoadContent(PageObject& page);
     // The loaded content of a page, or null.
     std::shared_ptr<LoadedPage> LoadedContent(std::u16string_view pageId) const;
+    // The loaded page whose content holds the element, or null.
+    std::shared_ptr<LoadedPage> PageHolding(const xml::ChildElement& element) const;
 
     void PageModified(LoadedPage& page) noexcept { page.modified = true; }
     void HierarchyChanged(HierarchyObject& object);
     std::u16string Hyperlink(std::u16string_view hierarchyId, std::u16string_view objectId);
 
+    // The objects of a type under a scope object (itself included), in document order, fetched
+    // as deep as they need; `function` names the built-in in the error for a scope that is no
+    // OneNote object.
+    std::vector<ObjectRef> Collect(const ObjectRef& scope, ObjectType wanted, std::u16string_view function);
     // The parent of an object (Text, page content or hierarchy), or null.
     ObjectRef ParentOf(const MacroObject& object);
 

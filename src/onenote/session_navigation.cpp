@@ -14,6 +14,7 @@
 #include "onenote/page_objects.h"
 #include "onenote/page_text.h"
 #include "onenote/session.h"
+#include "onenote/text_object.h"
 
 namespace qm::onenote {
 namespace {
@@ -40,7 +41,12 @@ ObjectRef Session::ParentOf(const MacroObject& object) {
         return nullptr;
     }
     const auto* hierarchy = dynamic_cast<const HierarchyObject*>(&object);
-    if (!hierarchy) return object.TypeNumber() == Number(ObjectType::Text) ? ParagraphOfText(*this, object) : nullptr;
+    if (!hierarchy) {
+        const auto* text = dynamic_cast<const TextObject*>(&object);
+        if (!text || !text->paragraph()) return nullptr;
+        const std::shared_ptr<LoadedPage> page = PageHolding(*text->paragraph());
+        return page ? MakeContentObject(*this, page, *text->paragraph()) : nullptr;
+    }
     switch (hierarchy->type()) {
         case ObjectType::NotebookRoot: return nullptr;
         case ObjectType::Notebook: return root_;

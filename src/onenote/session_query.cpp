@@ -51,7 +51,7 @@ bool IsViewed(const HierarchyObject& object) {
 // The objects of the wanted type in the subtree of the scope (the scope itself included), in
 // document order. The walk keeps its own list of pending elements: pages and hierarchies nest
 // as deep as they like.
-void Collect(Session& session, WalkItem start, ObjectType wanted, std::vector<ObjectRef>& out) {
+void Walk(Session& session, WalkItem start, ObjectType wanted, std::vector<ObjectRef>& out) {
     std::vector<WalkItem> pending{std::move(start)};
     std::vector<std::shared_ptr<xml::ChildElement>> children;
     while (!pending.empty()) {
@@ -93,7 +93,7 @@ void Collect(Session& session, WalkItem start, ObjectType wanted, std::vector<Ob
         }
         if (wanted == ObjectType::Text && type == ObjectType::Paragraph) {
             std::vector<ObjectRef> texts =
-                TextObjectsOf(session, item.page, static_cast<ON::OE&>(*item.element));
+                TextObjectsOf(item.page, static_cast<ON::OE&>(*item.element));
             out.insert(out.end(), texts.begin(), texts.end());
         }
         // Titles and outlines stand on the page itself: nothing below them is one.
@@ -125,19 +125,22 @@ MacroValue Session::QueryObjects(const MacroValue& type, const MacroValue& scope
         line += object->Describe();
         LogLine(log_, line);
     }
+    return ObjectArray(Collect(object, *wanted, kFunction));
+}
 
+std::vector<ObjectRef> Session::Collect(const ObjectRef& scope, ObjectType wanted, std::u16string_view function) {
     std::vector<ObjectRef> found;
-    if (auto* hierarchy = dynamic_cast<HierarchyObject*>(object.get())) {
-        if (*wanted != ObjectType::NotebookRoot) Fetch(*hierarchy, LevelNeeded(*wanted));
-        Collect(*this, {hierarchy->node(), nullptr}, *wanted, found);
-    } else if (auto* content = dynamic_cast<PageContentObject*>(object.get())) {
-        Collect(*this, {content->node(), content->page()}, *wanted, found);
-    } else if (object->TypeNumber() == Number(ObjectType::Text)) {
-        if (*wanted == ObjectType::Text) found.push_back(object);
+    if (auto* hierarchy = dynamic_cast<HierarchyObject*>(scope.get())) {
+        if (wanted != ObjectType::NotebookRoot) Fetch(*hierarchy, LevelNeeded(wanted));
+        Walk(*this, {hierarchy->node(), nullptr}, wanted, found);
+    } else if (auto* content = dynamic_cast<PageContentObject*>(scope.get())) {
+        Walk(*this, {content->node(), content->page()}, wanted, found);
+    } else if (scope->TypeNumber() == Number(ObjectType::Text)) {
+        if (wanted == ObjectType::Text) found.push_back(scope);
     } else {
-        throw MacroError(FormatMessage(msg::kExpectedOneNoteObject, {kFunction, msg::kSecond}));
+        throw MacroError(FormatMessage(msg::kExpectedOneNoteObject, {function, msg::kSecond}));
     }
-    return ObjectArray(found);
+    return found;
 }
 
 MacroValue Session::GetNotebookRoot() { return MacroValue(ObjectRef(root_)); }
