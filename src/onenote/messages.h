@@ -91,6 +91,9 @@ inline constexpr std::u16string_view kNotBulleted =
     u"Cannot set property '[1]' on object of type 'Paragraph': it is not part of a bulleted list";
 inline constexpr std::u16string_view kNotNumbered =
     u"Cannot set property '[1]' on object of type 'Paragraph': it is not part of a numbered list";
+// [1] what the paragraph holds, as its contentType names it.
+inline constexpr std::u16string_view kParagraphHoldsNoText =
+    u"Cannot set property 'text' on object of type 'Paragraph': it holds [1], not text";
 inline constexpr std::u16string_view kKindString = u"String";
 inline constexpr std::u16string_view kKindBool = u"Bool";
 inline constexpr std::u16string_view kKindInteger = u"Integer";
