@@ -299,12 +299,12 @@ std::optional<MacroValue> Interpreter::CallFunction(const M2::Call& call, std::s
     CheckStack();
 
     // The function's own variables: its parameters, bound by position.
-    auto scope = std::make_unique<MacroScope>();
+    MacroScope scope;
     for (std::size_t i = 0; i < args.size(); ++i) {
         const auto& param = function.params[i];
-        scope->Variable(VariableName(param ? param->name : std::u16string())) = std::move(args[i].value);
+        scope.Variable(VariableName(param ? param->name : std::u16string())) = std::move(args[i].value);
     }
-    Evaluator evaluator(*scope, &calls_, log_);
+    Evaluator evaluator(scope, &calls_, log_);
 
     // The caller's evaluator and If/Else flags come back however the function ends.
     struct Frame {
