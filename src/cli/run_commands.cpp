@@ -1,6 +1,7 @@
 // run and functions: running a macro from the command line, and the function reference.
 //
-//   quillmark run MACRO [--log FILE] [--vars] [--yes] [--answer NAME=VALUE ...] [--macro NAME|ID]
+//   quillmark run MACRO [--notebook DIR] [--log FILE] [--vars] [--yes] [--answer NAME=VALUE ...]
+//                 [--macro NAME|ID]
 //       MACRO is a .qm file (text form), a .xml file holding one macro or a macro list (--macro
 //       picks one of a list), or the id or name of a macro in the user's macro list. The run goes
 //       as in the add-in: the progress line on standard error (on a terminal), Ctrl-C as Cancel,
@@ -8,6 +9,10 @@
 //       asked on the terminal or accepted by --yes. --log FILE writes the macro log to FILE;
 //       without it the macro list's logging setting decides and the log goes to the per-user
 //       folder. --vars prints the macro's variables after the run, sorted by name.
+//       The run works on the notebook folder DIR (see onenote/notebook_folder.h), or without
+//       --notebook on the working copy of the sample notebook in the per-user folder, which is
+//       made (copied from the sample) only when the macro first asks for a notebook object.
+//       Modified pages are written back to the folder at the end of the run.
 //       Exit codes: 0 finished (ExitMacro included), 1 macro error or a macro that cannot be
 //       loaded, 2 usage, 3 cancelled or saving refused (nothing was written).
 //   quillmark functions [NAME]
@@ -32,6 +37,9 @@
 #include "macros/macro_store.h"
 #include "macros/messages.h"
 #include "macros/text_form.h"
+#include "onenote/notebook_folder.h"
+#include "onenote/sample_notebook.h"
+#include "onenote/session.h"
 #include "runtime/catalogue.h"
 #include "runtime/execution_context.h"
 #include "runtime/object_model.h"
@@ -63,6 +71,7 @@ struct RunCommandOptions {
     bool yes = false;
     std::vector<std::string> answers;
     std::optional<std::string> select;
+    std::optional<std::string> notebook;
 };
 
 // A failure already worded for the user, with the exit code it ends the command with.
@@ -155,17 +164,55 @@ std::map<std::u16string, std::u16string> ParseAnswers(const std::vector<std::str
     return parsed;
 }
 
-// What a run works on besides the macro. Today a command-line run has no notebook: the object
-// model's functions fail with their macro error and no page is ever saved. A notebook option
-// gives the run the OneNote layer's object model and page table here.
+// What a run works on besides the macro: a notebook folder through the OneNote layer's session,
+// which is the run's object model and page table.
 class RunWorkspace {
 public:
-    virtual ~RunWorkspace() = default;
-    virtual ObjectModel* objects() { return nullptr; }
-    virtual RunDocuments* documents() { return nullptr; }
+    explicit RunWorkspace(onenote::OneNoteApi& api) : session_(api) {}
+    ObjectModel* objects() { return &session_; }
+    RunDocuments* documents() { return &session_; }
+    void AttachLog(LogSink* log) { session_.SetLog(log); }
+
+private:
+    onenote::Session session_;
 };
 
-std::unique_ptr<RunWorkspace> OpenWorkspace(const RunCommandOptions&) { return std::make_unique<RunWorkspace>(); }
+// OneNote over a notebook folder that is opened on the first call, so that a macro that never
+// asks for a notebook object neither needs nor makes the working copy.
+class LazyNotebookFolder final : public onenote::OneNoteApi {
+public:
+    std::u16string GetHierarchy(std::u16string_view id, onenote::HierarchyScope scope) override {
+        return Folder().GetHierarchy(id, scope);
+    }
+    void UpdateHierarchy(std::u16string_view xml) override { Folder().UpdateHierarchy(xml); }
+    std::u16string GetHierarchyParent(std::u16string_view id) override { return Folder().GetHierarchyParent(id); }
+    std::u16string GetPageContent(std::u16string_view id) override { return Folder().GetPageContent(id); }
+    void UpdatePageContent(std::u16string_view xml, std::optional<xml::SystemTime> expected) override {
+        Folder().UpdatePageContent(xml, expected);
+    }
+    std::u16string GetHyperlinkToObject(std::u16string_view id, std::u16string_view objectId) override {
+        return Folder().GetHyperlinkToObject(id, objectId);
+    }
+    std::u16string CreateNewPage(std::u16string_view sectionId) override { return Folder().CreateNewPage(sectionId); }
+
+private:
+    onenote::NotebookFolder& Folder() {
+        if (!folder_) folder_ = std::make_unique<onenote::NotebookFolder>(onenote::WorkingNotebook());
+        return *folder_;
+    }
+    std::unique_ptr<onenote::NotebookFolder> folder_;
+};
+
+// The folder --notebook names (opened now: a folder that is none fails the command before the
+// run), or the working copy, opened when first needed.
+std::unique_ptr<onenote::OneNoteApi> OpenNotebook(const RunCommandOptions& options) {
+    if (!options.notebook) return std::make_unique<LazyNotebookFolder>();
+    try {
+        return std::make_unique<onenote::NotebookFolder>(std::filesystem::path(*options.notebook));
+    } catch (const onenote::FolderError& e) {
+        throw CommandFailure{e.message()};
+    }
+}
 
 void PrintVariables(const MacroScope& scope, std::ostream& out) {
     const MacroArray& variables = scope.variables();
@@ -223,10 +270,12 @@ int RunMacroCommand(const RunCommandOptions& options, Io& io) {
         ui::platform::InterruptScope interrupts(ui.cancelFlag(),
                                                 "\n" + ToUtf8(strings::Text(strings::Id::Cancelled)) + "\n");
 
-        std::unique_ptr<RunWorkspace> workspace = OpenWorkspace(options);
+        const std::unique_ptr<onenote::OneNoteApi> notebook = OpenNotebook(options);
+        RunWorkspace workspace(*notebook);
         RunEnvironment environment;
-        environment.objects = workspace->objects();
-        environment.documents = workspace->documents();
+        environment.objects = workspace.objects();
+        environment.documents = workspace.documents();
+        environment.logOpened = [&workspace](LogSink* log) { workspace.AttachLog(log); };
         MacroRunDriver driver(ui);
         RunResult result = driver.runMacro(loaded.macro.get(), settings, environment);
         io.err.flush();
@@ -287,6 +336,9 @@ void RegisterRunCommands(CLI::App& app, CommandContext& context) {
     run->add_option("--answer", options->answers, "Answer a dialog box control: NAME=VALUE (repeatable)")
         ->allow_extra_args(false);
     run->add_option("--macro", options->select, "The macro of a macro list file to run, by id or name");
+    run->add_option("--notebook", options->notebook,
+                    "The notebook folder to run on (default: the working copy of the sample notebook)")
+        ->option_text("DIR");
     run->callback([&context, options] {
         context.action = [&context, options] { return RunMacroCommand(*options, context.io); };
     });

@@ -51,8 +51,7 @@ TEST_F(ObjectValuesTest, NameIsWritableOnSectionsAndSavedWithUpdateHierarchy) {
     EXPECT_EQ(folder_->calls.updateHierarchy, 0);  // nothing goes out before the run ends
     EXPECT_EQ(session_->FinalizeModified(), 0u);    // a renamed section is not a modified page
     EXPECT_EQ(folder_->calls.updateHierarchy, 1);
-    NotebookFolder reread(dir_);
-    EXPECT_NE(reread.GetHierarchy(Id(kIdeas), HierarchyScope::Self).find(u"name=\"Thoughts\""), std::u16string::npos);
+    EXPECT_NE(folder_->GetHierarchy(Id(kIdeas), HierarchyScope::Self).find(u"name=\"Thoughts\""), std::u16string::npos);
 }
 
 TEST_F(ObjectValuesTest, PageWithoutSettingsReadsDefaults) {
