@@ -38,7 +38,10 @@
 #include "core/evaluator.h"
 
 #include <array>
+#include <atomic>
+#include <limits>
 #include <new>
+#include <utility>
 #include <vector>
 
 #include "core/error.h"
@@ -160,7 +163,7 @@ public:
                     return Operand::Literal(node);
                 case 1:
                     // A variable: read in place.
-                    if (!(logged && log_)) return Operand::Ref(scope_.Variable(std::get_if<M2::Var>(&node.primary)->name));
+                    if (!(logged && log_)) return Operand::Ref(scope_.Variable(*std::get_if<M2::Var>(&node.primary)));
                     break;
                 case 4:
                     // An operator: straight to it when there is nothing to log around it.
@@ -195,7 +198,7 @@ private:
     Operand EvalPrimary(const Expression& node, bool logged) {
         switch (node.primary.index()) {
             case 0: return Operand::Literal(node);
-            case 1: return Operand::Ref(scope_.Variable(std::get<M2::Var>(node.primary).name));
+            case 1: return Operand::Ref(scope_.Variable(std::get<M2::Var>(node.primary)));
             case 2: return EvalCall(std::get<M2::Call>(node.primary));
             case 3: return EvalUnary(std::get<M2::UnaryOp>(node.primary));
             case 4: return EvalBinary(std::get<M2::BinaryOp>(node.primary), logged);
@@ -281,6 +284,7 @@ private:
         // side could change it.
         if (!IsPure(rightNode)) left.Materialize();
         Operand right = Eval(rightNode, false);
+        if (op == Operator::Concat) return detail::ConcatenateOnto(std::move(left), binary.name, right);
         return detail::ApplyBinary(op, binary.name, left, right);
     }
 
@@ -299,7 +303,7 @@ private:
         if (target.members.empty()) {
             // A plain variable: the common case, without the path machinery below.
             Operand rhs = Eval(Node(binary.right), false);
-            MacroValue& slot = scope_.Variable(var->name);
+            MacroValue& slot = scope_.Variable(*var);
             if (rhs.IsRef() && &rhs.value() == &slot) rhs.Materialize();  // `$s &= $s`
             Store(slot, op, binary.name, std::move(rhs));
             if (logged && log_) LogLine(msg::kLogNewValue, slot.Describe());
@@ -323,7 +327,7 @@ private:
 
         // 3. Resolve the target.
         Place place;
-        place.slot = &scope_.Variable(var->name);
+        place.slot = &scope_.Variable(*var);
         std::size_t keyIndex = 0;
         const std::size_t count = target.members.size();
         for (std::size_t i = 0; i < count; ++i) {
@@ -363,6 +367,16 @@ private:
             return;
         }
         const Operator base = CompoundBase(op);
+        // Counters and sums: an integer variable and an integer operand under `+=`, `-=` or `*=`
+        // are combined in place, without building operands (the result ApplyBinary would give).
+        std::int32_t b;
+        if (slot.kind() == Kind::Integer && rhs.IntegerOf(b)) {
+            std::int32_t result;
+            if (detail::WrappingArithmetic(base, slot.integer(), b, result)) {
+                slot.SetInteger(result);
+                return;
+            }
+        }
         // Concatenation onto a stored string appends in place: a loop building a text with
         // `$s &= ...` stays linear.
         if (slot.kind() == Kind::String &&
@@ -395,7 +409,7 @@ private:
 
     // The slot of an argument that is a variable followed by index steps (see the file comment).
     ValueRef ResolveArgumentSlot(const Expression& node) {
-        ValueRef slot = scope_.Slot(std::get<M2::Var>(node.primary).name);
+        ValueRef slot = scope_.Slot(std::get<M2::Var>(node.primary));
         for (const M2::Member& member : node.members) {
             Operand index = Eval(Node(std::get<M2::ExpressionPtr>(member)), false);
             KeyText key;
@@ -415,10 +429,13 @@ private:
         for (std::size_t i = 0; i < n; ++i) {
             const Expression& arg = Node(call.args[i]);
             if (IsSlotArgument(arg)) {
-                ValueRef slot = arg.members.empty() ? scope_.Slot(std::get_if<M2::Var>(&arg.primary)->name)
-                                                    : ResolveArgumentSlot(arg);
-                MacroValue value = *slot;
-                args.Add(std::move(value), std::move(slot));
+                // A plain variable lives as long as the scope, which outlives the call: its slot is
+                // passed without shared ownership (an aliasing reference with no owner), sparing two
+                // reference-count updates per argument.
+                ValueRef slot = arg.members.empty()
+                                    ? ValueRef(ValueRef(), &scope_.Variable(*std::get_if<M2::Var>(&arg.primary)))
+                                    : ResolveArgumentSlot(arg);
+                args.Add(*slot, std::move(slot));
             } else {
                 args.Add(Eval(arg, false).Take(), nullptr);
             }
@@ -441,12 +458,14 @@ private:
         ArgumentBuffer(const ArgumentBuffer&) = delete;
         ArgumentBuffer& operator=(const ArgumentBuffer&) = delete;
 
-        void Add(MacroValue value, ValueRef slot) {
+        // The value is copied or moved straight into its argument (no intermediate value).
+        template <class Value>
+        void Add(Value&& value, ValueRef&& slot) {
             if (heap_.capacity() != 0) {
-                heap_.push_back(Argument{std::move(value), std::move(slot)});
+                heap_.push_back(Argument{std::forward<Value>(value), std::move(slot)});
                 return;
             }
-            new (inline_ + inlineCount_ * sizeof(Argument)) Argument{std::move(value), std::move(slot)};
+            new (inline_ + inlineCount_ * sizeof(Argument)) Argument{std::forward<Value>(value), std::move(slot)};
             ++inlineCount_;
         }
         std::span<Argument> span() {
@@ -467,6 +486,12 @@ private:
 };
 
 }  // namespace
+
+std::uint64_t MacroScope::NextSerial() noexcept {
+    static std::atomic<std::uint64_t> next{1};
+    const std::uint64_t serial = next.fetch_add(1, std::memory_order_relaxed);
+    return serial <= kMemoLastSerial ? serial : std::numeric_limits<std::uint64_t>::max();
+}
 
 Evaluator::Evaluator(MacroScope& scope, CallHandler* calls, LogSink* log) : scope_(&scope), calls_(calls), log_(log) {}
 

@@ -18,21 +18,62 @@ namespace qm {
 // creates it, empty, when it does not exist.
 class MacroScope {
 public:
+    MacroScope() : serial_(NextSerial()) {}
+    // A copy or a moved-to scope is another scope: it takes a serial of its own (see Variable), and
+    // so does a scope whose variables were moved away or replaced.
+    MacroScope(const MacroScope& other) : variables_(other.variables_), serial_(NextSerial()) {}
+    MacroScope(MacroScope&& other) noexcept : variables_(std::move(other.variables_)), serial_(NextSerial()) {
+        other.Renew();
+    }
+    MacroScope& operator=(const MacroScope& other) {
+        if (this != &other) {
+            variables_ = other.variables_;
+            Renew();
+        }
+        return *this;
+    }
+    MacroScope& operator=(MacroScope&& other) noexcept {
+        if (this != &other) {
+            variables_ = std::move(other.variables_);
+            Renew();
+            other.Renew();
+        }
+        return *this;
+    }
+
     ValueRef Slot(std::u16string_view name) { return variables_.elements()[IndexOf(name)].value; }
     // The same slot without reference-count traffic. Variables are never removed from a scope, so
     // the reference stays valid for the scope's lifetime.
     MacroValue& Variable(std::u16string_view name) { return *variables_.elements()[IndexOf(name)].value; }
+    // The slot of a variable node. The node remembers the slot's position together with this
+    // scope's serial, so the next read of the same node in the same scope costs no lookup at all:
+    // positions never change while a scope lives, and no two scopes share a serial. A node read in
+    // another scope (a function's, a later run's) finds another serial and looks the name up again.
+    // A node's name does not change while it is being evaluated (the tree is const there), and a
+    // changed tree is run in a new scope, so a remembered position always belongs to the name.
+    MacroValue& Variable(const M2::Var& var) { return *variables_.elements()[IndexOf(var)].value; }
+    ValueRef Slot(const M2::Var& var) { return variables_.elements()[IndexOf(var)].value; }
     const MacroArray& variables() const noexcept { return variables_; }
 
 private:
-    // Variable lookup is the evaluator's most frequent operation. A small direct-mapped cache keyed
-    // by the address of the name's characters (the name in a tree node, which stays put while the
-    // tree lives) remembers the element index; a hit is confirmed by comparing the name itself, so
-    // a stale entry (a freed tree whose memory holds another name) only costs a miss.
+    std::size_t IndexOf(const M2::Var& var) {
+        const std::uint64_t memo = var.slot.Load();
+        if ((memo >> kMemoIndexBits) == serial_) return static_cast<std::size_t>(memo & kMemoIndexMask);
+        const std::size_t index = IndexOf(var.name);
+        if (index <= kMemoIndexMask && serial_ <= kMemoLastSerial) {
+            var.slot.Store((serial_ << kMemoIndexBits) | static_cast<std::uint64_t>(index));
+        }
+        return index;
+    }
+
+    // Variable lookup by name. A small direct-mapped cache keyed by the address of the name's
+    // characters (the name in a tree node, which stays put while the tree lives) remembers the
+    // element index; a hit is confirmed by comparing the name itself, so a stale entry (a freed tree
+    // whose memory holds another name) only costs a miss.
     std::size_t IndexOf(std::u16string_view name) {
         CacheEntry& entry = cache_[CacheSlot(name.data())];
         if (entry.data == name.data() && entry.index < variables_.size() &&
-            variables_.elements()[entry.index].key == name) {
+            SameText(variables_.elements()[entry.index].key, name)) {
             return entry.index;
         }
         std::size_t index = variables_.FindOrCreateIndex(name);
@@ -50,7 +91,20 @@ private:
     };
     static constexpr std::size_t kCacheSize = 64;
 
+    // A node memo holds the serial in its upper 40 bits and the position in the lower 24. Serials
+    // start at 1 (the empty memo 0 matches no scope); past the last one that fits, scopes are left
+    // with a serial no memo can hold and simply look names up.
+    static constexpr unsigned kMemoIndexBits = 24;
+    static constexpr std::uint64_t kMemoIndexMask = (std::uint64_t{1} << kMemoIndexBits) - 1;
+    static constexpr std::uint64_t kMemoLastSerial = (std::uint64_t{1} << (64 - kMemoIndexBits)) - 1;
+    static std::uint64_t NextSerial() noexcept;
+    void Renew() noexcept {
+        serial_ = NextSerial();
+        cache_ = {};
+    }
+
     MacroArray variables_;
+    std::uint64_t serial_;
     std::array<CacheEntry, kCacheSize> cache_{};
 };
 
@@ -58,6 +112,7 @@ struct Argument {
     MacroValue value;
     // The stored slot when the argument expression is assignable (a variable, possibly followed by
     // index steps); null otherwise. Built-ins that take an argument by reference write through it.
+    // Valid for the call only: a variable's slot is passed without ownership.
     ValueRef slot;
 };
 

@@ -7,6 +7,7 @@
 // primary). Parentheses leave no node.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -32,10 +33,33 @@ enum class Operator : std::uint8_t {
 Operator OperatorFromText(std::u16string_view text);
 inline bool IsAssignment(Operator op) { return op >= Operator::Assign && op <= Operator::ConcatAssign; }
 
+// A word that evaluation may remember in a node (where a variable's slot is, what a call's name
+// resolved to), so that a node run in a loop does its lookups once. It is not part of the tree's
+// content: copying or assigning a node starts it afresh, and reading, writing and printing a tree
+// ignore it. Whoever stores a word must be able to tell a stale one from a valid one. A relaxed
+// atomic, so that evaluating one tree from two threads at once would still be free of data races.
+class NodeMemo {
+public:
+    NodeMemo() noexcept = default;
+    NodeMemo(const NodeMemo&) noexcept {}
+    NodeMemo& operator=(const NodeMemo&) noexcept {
+        word_.store(0, std::memory_order_relaxed);
+        return *this;
+    }
+
+    std::uint64_t Load() const noexcept { return word_.load(std::memory_order_relaxed); }
+    void Store(std::uint64_t word) const noexcept { word_.store(word, std::memory_order_relaxed); }
+
+private:
+    mutable std::atomic<std::uint64_t> word_{0};
+};
+
 // A name held as element text; cdata records how it was read so it is written back the same way.
 struct Var {
     std::u16string name;
     bool cdata = false;
+    // The variable's slot in the scope it was last read in (see MacroScope::Variable).
+    NodeMemo slot{};
 };
 
 struct Prop {
@@ -46,6 +70,8 @@ struct Prop {
 struct Call {
     std::u16string name;
     std::vector<ExpressionPtr> args;
+    // What the name resolved to, for the call handler (see BuiltinCallHandler).
+    NodeMemo target{};
 };
 
 struct UnaryOp {

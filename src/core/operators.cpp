@@ -236,10 +236,21 @@ double DecimalArithmetic(Operator op, double a, double b) {
     }
 }
 
+// Both texts are found first, so the result is allocated once at its final size.
 Operand Concatenate(std::u16string_view name, const Operand& left, const Operand& right) {
+    char16_t bufferA[24], bufferB[24];
+    std::u16string scratchA, scratchB;
+    std::u16string_view x, y;
+    if (!TextOf(left, bufferA, scratchA, x)) {
+        throw MacroError(FormatMessage(msg::kOperandNeedsString, {name, left.DescribeShort()}));
+    }
+    if (!TextOf(right, bufferB, scratchB, y)) {
+        throw MacroError(FormatMessage(msg::kOperandNeedsString, {name, right.DescribeShort()}));
+    }
     std::u16string out;
-    AppendText(left, name, out);
-    AppendText(right, name, out);
+    out.reserve(x.size() + y.size());
+    out += x;
+    out += y;
     return Operand(MacroValue(std::move(out)));
 }
 
@@ -316,6 +327,15 @@ bool Comparison(Operator op, std::u16string_view name, const Operand& left, cons
 }
 
 }  // namespace
+
+Operand ConcatenateOnto(Operand&& left, std::u16string_view name, const Operand& right) {
+    // A string the left side built (the result of an inner "&") is the start of the result.
+    if (left.form_ == Operand::Form::Owned && left.owned_.kind() == Kind::String) {
+        AppendText(right, name, left.owned_.mutableString());
+        return std::move(left);
+    }
+    return Concatenate(name, left, right);
+}
 
 Operand ApplyBinarySlow(Operator op, std::u16string_view name, const Operand& left, const Operand& right) {
     switch (op) {

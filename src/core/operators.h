@@ -122,6 +122,7 @@ private:
     MacroValue ScalarValue() const;
 
     friend bool TextOf(const Operand&, char16_t*, std::u16string&, std::u16string_view&);
+    friend Operand ConcatenateOnto(Operand&&, std::u16string_view, const Operand&);
     friend bool TruthOf(const Operand&, std::u16string_view);
 
     Form form_;
@@ -151,27 +152,50 @@ bool TruthOf(const Operand& operand, std::u16string_view operatorText);
 // Appends the text of a scalar operand to `out`; throws kOperandNeedsString otherwise.
 void AppendText(const Operand& operand, std::u16string_view operatorText, std::u16string& out);
 
+// The "&" operator on evaluated operands: as ApplyBinary, but a left operand that is a string of
+// its own (the result of an inner "&", as in `"a" & $x & "b"`) is extended in place instead of
+// copied, so a chain of concatenations allocates its text about once.
+Operand ConcatenateOnto(Operand&& left, std::u16string_view name, const Operand& right);
+
 // The non-assignment binary operators (10-23). `name` is the operator's text, quoted in messages.
 // And/Or here are the non-short-circuit combination (compound assignments).
 Operand ApplyBinarySlow(M2::Operator op, std::u16string_view name, const Operand& left, const Operand& right);
+
+// + - * on two integers, wrapping around (computed unsigned: no signed overflow); false for every
+// other operator.
+inline bool WrappingArithmetic(M2::Operator op, std::int32_t a, std::int32_t b, std::int32_t& out) noexcept {
+    const auto ua = static_cast<std::uint32_t>(a);
+    const auto ub = static_cast<std::uint32_t>(b);
+    switch (op) {
+        case M2::Operator::Add: out = static_cast<std::int32_t>(ua + ub); return true;
+        case M2::Operator::Subtract: out = static_cast<std::int32_t>(ua - ub); return true;
+        case M2::Operator::Multiply: out = static_cast<std::int32_t>(ua * ub); return true;
+        default: return false;
+    }
+}
 
 // ApplyBinary with the hot case inline: two integers under + - * or a comparison.
 inline Operand ApplyBinary(M2::Operator op, std::u16string_view name, const Operand& left, const Operand& right) {
     std::int32_t a, b;
     if (left.IntegerOf(a) && right.IntegerOf(b)) {
-        const auto ua = static_cast<std::uint32_t>(a);
-        const auto ub = static_cast<std::uint32_t>(b);
-        switch (op) {  // wrapping arithmetic without signed overflow
-            case M2::Operator::Add: return Operand::Integer(static_cast<std::int32_t>(ua + ub));
-            case M2::Operator::Subtract: return Operand::Integer(static_cast<std::int32_t>(ua - ub));
-            case M2::Operator::Multiply: return Operand::Integer(static_cast<std::int32_t>(ua * ub));
+        std::int32_t result;
+        if (WrappingArithmetic(op, a, b, result)) return Operand::Integer(result);
+        switch (op) {
             case M2::Operator::Equal: return Operand::Boolean(a == b);
             case M2::Operator::NotEqual: return Operand::Boolean(a != b);
             case M2::Operator::Less: return Operand::Boolean(a < b);
             case M2::Operator::Greater: return Operand::Boolean(a > b);
             case M2::Operator::LessOrEqual: return Operand::Boolean(a <= b);
             case M2::Operator::GreaterOrEqual: return Operand::Boolean(a >= b);
-            default: break;  // "/" and "%" check for zero out of line
+            // By zero and by -1 out of line (see IntegerArithmetic); otherwise plain C++ division,
+            // which truncates toward zero as the language does.
+            case M2::Operator::Divide:
+                if (b != 0 && b != -1) return Operand::Integer(a / b);
+                break;
+            case M2::Operator::Modulo:
+                if (b != 0 && b != -1) return Operand::Integer(a % b);
+                break;
+            default: break;
         }
     }
     return ApplyBinarySlow(op, name, left, right);

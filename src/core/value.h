@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstring>
 #include <map>
 #include <memory>
 #include <string>
@@ -99,6 +100,13 @@ private:
                  ObjectRef>
         v_;
 };
+
+// Whether two texts are equal, code unit for code unit: what == means on UTF-16 strings, as one
+// memory comparison (the standard library compares char16_t strings a unit at a time, which
+// shows on the interpreter's name checks).
+inline bool SameText(std::u16string_view a, std::u16string_view b) noexcept {
+    return a.size() == b.size() && (a.empty() || std::memcmp(a.data(), b.data(), a.size() * sizeof(char16_t)) == 0);
+}
 
 // Text rules shared by values and by literal classification at parse time.
 bool IsIntegerText(std::u16string_view text);

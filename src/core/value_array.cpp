@@ -101,9 +101,23 @@ ValueRef MacroArray::Find(std::u16string_view key) const {
 }
 
 void MacroArray::PushDense(MacroValue&& value) {
-    char16_t buffer[24];
-    elements_.push_back(Element{std::u16string(IntegerText(nextIndex_, buffer)),
-                                std::make_shared<MacroValue>(std::move(value))});
+    // The new key is the last key plus one ("41" -> "42", "99" -> "100"), counted up in its text:
+    // cheaper than writing the number out afresh, and the same text, as a dense array's keys are
+    // exactly "0".."n-1".
+    std::u16string key;
+    if (elements_.empty()) {
+        key = u"0";
+    } else {
+        key = elements_.back().key;
+        std::size_t i = key.size();
+        while (i > 0 && key[i - 1] == u'9') key[--i] = u'0';
+        if (i == 0) {
+            key.insert(key.begin(), u'1');
+        } else {
+            ++key[i - 1];
+        }
+    }
+    elements_.push_back(Element{std::move(key), std::make_shared<MacroValue>(std::move(value))});
     ++nextIndex_;
 }
 

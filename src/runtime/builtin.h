@@ -40,6 +40,14 @@ struct BuiltinEntry {
 // The entry for a name (exact, case-sensitive), or null.
 const BuiltinEntry* FindBuiltinEntry(std::u16string_view name);
 
+// The text of an argument (AsString), without copying an argument that is a string already: a
+// view of its own text, or of `scratch` holding the conversion. Valid while both live.
+inline std::u16string_view TextArgument(const Argument& arg, std::u16string& scratch) {
+    if (arg.value.kind() == Kind::String) return arg.value.string();
+    scratch = arg.value.AsString();
+    return scratch;
+}
+
 [[noreturn]] void FailMacro(std::u16string_view templ, std::initializer_list<std::u16string_view> args = {});
 
 }  // namespace qm

@@ -68,13 +68,15 @@ MacroValue StringEndsWith(RuntimeServices&, std::span<Argument> args) {
 }
 
 MacroValue StringLength(RuntimeServices&, std::span<Argument> args) {
-    return MacroValue(static_cast<std::int32_t>(args[0].value.AsString().size()));
+    std::u16string scratch;
+    return MacroValue(static_cast<std::int32_t>(TextArgument(args[0], scratch).size()));
 }
 
 // A negative offset starts at 0; an offset past the end or a negative count gives the empty text;
 // a count reaching past the end stops at the end.
 MacroValue StringSubstring(RuntimeServices&, std::span<Argument> args) {
-    const std::u16string text = args[0].value.AsString();
+    std::u16string scratch;
+    const std::u16string_view text = TextArgument(args[0], scratch);
     const std::int64_t offset = args[1].value.AsInteger();
     const std::int64_t count = args[2].value.AsInteger();
     const std::int64_t start = std::max<std::int64_t>(offset, 0);

@@ -1,5 +1,6 @@
 #include "runtime/dispatch.h"
 
+#include <cstdint>
 #include <stdexcept>
 #include <string>
 
@@ -39,7 +40,14 @@ BuiltinCallHandler::BuiltinCallHandler(RuntimeServices& services, FunctionFallba
     : services_(&services), fallback_(std::move(fallback)) {}
 
 MacroValue BuiltinCallHandler::Call(const M2::Call& call, std::span<Argument> args) {
-    if (const BuiltinEntry* entry = FindBuiltinEntry(call.name)) return Invoke(*entry, *services_, args);
+    // The call site remembers its built-in, so a call in a loop looks its name up once. The name is
+    // compared on every call (cheap next to the lookup): a remembered entry always is the call's.
+    const auto* entry = reinterpret_cast<const BuiltinEntry*>(static_cast<std::uintptr_t>(call.target.Load()));
+    if (!entry || !SameText(entry->info->name, call.name)) {
+        entry = FindBuiltinEntry(call.name);
+        if (entry) call.target.Store(reinterpret_cast<std::uintptr_t>(entry));
+    }
+    if (entry) return Invoke(*entry, *services_, args);
     if (fallback_) {
         if (std::optional<MacroValue> result = fallback_(call, args)) return std::move(*result);
     }

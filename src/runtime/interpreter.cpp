@@ -199,11 +199,22 @@ Interpreter::Flow Interpreter::executeForEach(const M2::ForEach& statement) {
     const MacroArray& array = *value.array();
     std::vector<MacroValue> snapshot;
     snapshot.reserve(array.size());
-    for (const auto& element : array.elements()) snapshot.push_back(element.value ? *element.value : MacroValue());
+    for (const auto& element : array.elements()) {
+        if (element.value) {
+            snapshot.push_back(*element.value);  // copied in place, not through a temporary
+        } else {
+            snapshot.emplace_back();
+        }
+    }
     value = MacroValue();
 
+    // The loop variable's slot, found once: variables stay where they are while their scope lives,
+    // and the body runs in this same scope (a function call it makes returns to it). An empty
+    // collection leaves the variable as it was (not even created).
+    if (snapshot.empty()) return Flow::Next;
+    MacroValue& variable = evaluator_->scope().Variable(name);
     for (MacroValue& element : snapshot) {
-        evaluator_->scope().Variable(name) = std::move(element);
+        variable = std::move(element);
         switch (runLoopBody(statement.statements)) {
             case LoopStep::Again: break;
             case LoopStep::End: return Flow::Next;

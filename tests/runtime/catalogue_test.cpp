@@ -103,6 +103,26 @@ TEST(Dispatch, HandsNamesThatAreNoBuiltinToTheMacrosOwnFunctions) {
     EXPECT_EQ(seen, (std::vector<std::u16string>{u"Twice", u"Other"}));
 }
 
+// A call site remembers its built-in; a tree changed in place (as an editor may change it) calls
+// what its name says now.
+TEST(Dispatch, ACallSiteRenamedAfterARunCallsWhatItNamesNow) {
+    Harness h;
+    const M2::ExpressionPtr expression = Parse(u"String_Equals(\"a\", \"A\", true)");
+    auto& call = std::get<M2::Call>(expression->primary);
+    Evaluator evaluator(h.scope, &h.calls);
+    EXPECT_EQ(evaluator.Evaluate(*expression).Describe(), u"true (boolean)");
+    EXPECT_EQ(evaluator.Evaluate(*expression).Describe(), u"true (boolean)");
+    call.name = u"String_DoesNotEqual";
+    EXPECT_EQ(evaluator.Evaluate(*expression).Describe(), u"false (boolean)");
+    call.name = u"String_Equal";
+    EXPECT_THROW(evaluator.Evaluate(*expression), MacroError);
+    call.name = u"String_Equals";
+    EXPECT_EQ(evaluator.Evaluate(*expression).Describe(), u"true (boolean)");
+    // A copy of the tree calls the same function.
+    const M2::Expression copy = *expression;
+    EXPECT_EQ(evaluator.Evaluate(copy).Describe(), u"true (boolean)");
+}
+
 TEST(Dispatch, ExitMacroCarriesTheSaveFlag) {
     const std::pair<std::u16string_view, bool> cases[] = {
         {u"ExitMacro(true)", true}, {u"ExitMacro(1)", true}, {u"ExitMacro(\"TRUE\")", false}, {u"ExitMacro($unset)", false},

@@ -1,0 +1,1 @@
+# Process start-up alone.
