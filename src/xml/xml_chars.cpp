@@ -1,5 +1,7 @@
 #include "xml/xml_chars.h"
 
+#include <array>
+
 namespace qm::xml {
 
 namespace {
@@ -25,6 +27,13 @@ char* PutUtf8(char* p, char32_t c) {
     }
     return p;
 }
+
+// The ASCII characters that need no look when shielding: all but controls, '<' and '&'.
+constexpr auto kPlainAscii = [] {
+    std::array<bool, 128> plain{};
+    for (int c = 0x20; c < 0x80; ++c) plain[c] = c != '<' && c != '&';
+    return plain;
+}();
 
 bool IsHigh(char16_t c) { return c >= 0xD800 && c <= 0xDBFF; }
 bool IsLow(char16_t c) { return c >= 0xDC00 && c <= 0xDFFF; }
@@ -73,9 +82,14 @@ std::string ToShieldedUtf8(std::u16string_view text) {
     std::string out(text.size() * 4, '\0');  // a shielded code unit takes four bytes, nothing takes more
     char* p = out.data();
     std::size_t quietUntil = 0;  // end of a CDATA section, comment or processing instruction
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const char16_t c = text[i];
-        if (c >= 0x20 && c < 0x80 && c != u'<' && c != u'&') {
+    const char16_t* const units = text.data();
+    const std::size_t n = text.size();
+    for (std::size_t i = 0; i < n; ++i) {
+        // Most of a document is plain ASCII: copied in a tight loop.
+        while (i < n && units[i] < 0x80 && kPlainAscii[units[i]]) *p++ = static_cast<char>(units[i++]);
+        if (i == n) break;
+        const char16_t c = units[i];
+        if (c < 0x80 && c != u'<' && c != u'&' && !IsShieldable(c)) {
             *p++ = static_cast<char>(c);
             continue;
         }
