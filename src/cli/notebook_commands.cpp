@@ -26,7 +26,7 @@ namespace msg = onenote::msg;
 // Enough for any benchmark; more would take hours and fill the disk.
 constexpr long long kMaxGeneratedPages = 100000;
 
-std::u16string PathText(const fs::path& path) { return FromUtf8(path.string()); }
+std::u16string PathText(const fs::path& path) { return path.u16string(); }
 
 // Runs a command body; the failures a notebook folder can raise become a message and exit 1.
 int Guarded(Io& io, const std::function<int()>& body) {

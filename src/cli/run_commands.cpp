@@ -194,6 +194,9 @@ public:
         return Folder().GetHyperlinkToObject(id, objectId);
     }
     std::u16string CreateNewPage(std::u16string_view sectionId) override { return Folder().CreateNewPage(sectionId); }
+    void Flush() {
+        if (folder_) folder_->Flush();
+    }
 
 private:
     onenote::NotebookFolder& Folder() {
@@ -202,6 +205,12 @@ private:
     }
     std::unique_ptr<onenote::NotebookFolder> folder_;
 };
+
+// Writes what the run changed in the folder's hierarchy now, so that a failure is reported.
+void FlushNotebook(onenote::OneNoteApi& notebook) {
+    if (auto* folder = dynamic_cast<onenote::NotebookFolder*>(&notebook)) folder->Flush();
+    if (auto* lazy = dynamic_cast<LazyNotebookFolder*>(&notebook)) lazy->Flush();
+}
 
 // The folder --notebook names (opened now: a folder that is none fails the command before the
 // run), or the working copy, opened when first needed.
@@ -278,6 +287,7 @@ int RunMacroCommand(const RunCommandOptions& options, Io& io) {
         environment.logOpened = [&workspace](LogSink* log) { workspace.AttachLog(log); };
         MacroRunDriver driver(ui);
         RunResult result = driver.runMacro(loaded.macro.get(), settings, environment);
+        FlushNotebook(*notebook);
         io.err.flush();
         if (options.vars) PrintVariables(result.variables, io.out);
         return ExitCode(result.outcome);

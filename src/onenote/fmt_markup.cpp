@@ -164,9 +164,7 @@ struct Frame {
 
 TextFormat Inner(const TextFormat& outer, const FMT::span& span) {
     TextFormat format = outer;
-    if (span.style) {
-        for (CssDeclaration& d : ParseCss(*span.style)) SetCss(format.style, d.name, std::move(d.value));
-    }
+    if (span.style) MergeCss(format.style, ParseCss(*span.style));
     if (span.lang && !span.lang->empty()) format.lang = *span.lang;
     return format;
 }
@@ -177,9 +175,25 @@ TextFormat Inner(const TextFormat& outer, const FMT::a& anchor) {
     return format;
 }
 
+// Raised when the runs would take far more room than the markup they come from.
+struct TooManyFormats {};
+
+std::size_t SizeOf(const TextFormat& format) {
+    std::size_t size = 1 + (format.lang ? format.lang->size() : 0) + (format.href ? format.href->size() : 0);
+    for (const CssDeclaration& d : format.style) size += d.name.size() + d.value.size() + 2;
+    return size;
+}
+
 // Walks the tree in document order without recursion (the reader bounds its depth, the walk
-// needs no stack of its own).
-std::vector<TextRun> RunsOf(const FMT::Text& root) {
+// needs no stack of its own). Each run carries its whole formatting, which nesting repeats: a
+// long link around many small spans, deep nesting under long styles. The formatting held at once
+// is therefore bounded by a multiple of the markup's size, and markup beyond it is unreadable.
+std::vector<TextRun> RunsOf(const FMT::Text& root, std::size_t markupSize) {
+    std::size_t budget = 32 * markupSize + 65536;
+    const auto spend = [&](std::size_t size) {
+        if (size > budget) throw TooManyFormats{};
+        budget -= size;
+    };
     std::vector<TextRun> runs;
     const void* lastElement = nullptr;
     std::vector<Frame> stack;
@@ -196,13 +210,18 @@ std::vector<TextRun> RunsOf(const FMT::Text& root) {
             if (!runs.empty() && lastElement == top.element) {
                 runs.back().text += *text;
             } else {
+                spend(SizeOf(top.format));
                 runs.push_back(TextRun{*text, top.format});
                 lastElement = top.element;
             }
         } else if (const auto* span = std::get_if<std::shared_ptr<FMT::span>>(&item)) {
-            if (*span) stack.push_back(Frame{&(*span)->content, 0, span->get(), Inner(top.format, **span)});
+            if (!*span) continue;
+            spend(SizeOf(top.format) + ((*span)->style ? (*span)->style->size() : 0));
+            stack.push_back(Frame{&(*span)->content, 0, span->get(), Inner(top.format, **span)});
         } else if (const auto* anchor = std::get_if<std::shared_ptr<FMT::a>>(&item)) {
-            if (*anchor) stack.push_back(Frame{&(*anchor)->content, 0, anchor->get(), Inner(top.format, **anchor)});
+            if (!*anchor) continue;
+            spend(SizeOf(top.format) + ((*anchor)->href ? (*anchor)->href->size() : 0));
+            stack.push_back(Frame{&(*anchor)->content, 0, anchor->get(), Inner(top.format, **anchor)});
         }
     }
     return runs;
@@ -307,10 +326,14 @@ FormattedText ParseMarkup(std::u16string_view content) {
     document += PrepareMarkup(content);
     document += u"</Text>";
     try {
-        result.runs = RunsOf(*FMT::ParseText(document));
+        result.runs = RunsOf(*FMT::ParseText(document), document.size());
     } catch (const xml::XmlError&) {
-        result.runs.clear();
         result.readable = false;
+    } catch (const TooManyFormats&) {
+        result.readable = false;
+    }
+    if (!result.readable) {
+        result.runs.clear();
         const std::u16string_view raw = WithoutFrame(content);
         if (!raw.empty()) result.runs.push_back(TextRun{std::u16string(raw), TextFormat{}});
     }

@@ -13,8 +13,9 @@
 // 5. Each maximal stretch of characters under the same chain of `span` and `a` elements is one
 //    run. Its CSS is that of its spans, outer to inner (an inner declaration wins), its language
 //    that of the nearest span that has one, its link that of the nearest `a` that has an `href`.
-// Markup that still does not read (broken markup from other tools, an unknown entity) is not an
-// error and is never lost: the text becomes one plain run holding the stored text as it is, and
+// Markup that still does not read (broken markup from other tools, an unknown entity, nesting
+// beyond the reader's limit, formatting repeated into far more than the markup's own size) is not
+// an error and is never lost: the text becomes one plain run holding the stored text as it is, and
 // the element keeps that text unchanged unless a macro changes it.
 //
 // Writing (only when a macro changed something; an unchanged element keeps its text byte for

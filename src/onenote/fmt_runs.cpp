@@ -1,6 +1,7 @@
 #include "onenote/fmt_runs.h"
 
 #include <algorithm>
+#include <unordered_map>
 
 namespace qm::onenote {
 
@@ -22,12 +23,33 @@ std::u16string LowerAscii(std::u16string_view text) {
     return out;
 }
 
-void AddDeclaration(CssDeclarations& declarations, std::u16string_view piece) {
+// Where each name stands in a list of declarations: so that a style with many declarations is
+// not read in quadratic time.
+class CssIndex {
+public:
+    explicit CssIndex(CssDeclarations& declarations) : declarations_(declarations) {
+        for (std::size_t i = 0; i < declarations.size(); ++i) places_.emplace(declarations[i].name, i);
+    }
+    void Set(std::u16string name, std::u16string value) {
+        const auto [place, added] = places_.emplace(name, declarations_.size());
+        if (added) {
+            declarations_.push_back(CssDeclaration{std::move(name), std::move(value)});
+        } else {
+            declarations_[place->second].value = std::move(value);
+        }
+    }
+
+private:
+    CssDeclarations& declarations_;
+    std::unordered_map<std::u16string, std::size_t> places_;
+};
+
+void AddDeclaration(CssIndex& index, std::u16string_view piece) {
     const std::size_t colon = piece.find(u':');
     if (colon == std::u16string_view::npos) return;
     const std::u16string_view name = Trim(piece.substr(0, colon));
     if (name.empty()) return;
-    SetCss(declarations, LowerAscii(name), std::u16string(Trim(piece.substr(colon + 1))));
+    index.Set(LowerAscii(name), std::u16string(Trim(piece.substr(colon + 1))));
 }
 
 }  // namespace
@@ -36,9 +58,10 @@ void AddDeclaration(CssDeclarations& declarations, std::u16string_view piece) {
 
 CssDeclarations ParseCss(std::u16string_view style) {
     CssDeclarations declarations;
+    CssIndex index(declarations);
     while (!style.empty()) {
         const std::size_t semicolon = style.find(u';');
-        AddDeclaration(declarations, style.substr(0, semicolon));
+        AddDeclaration(index, style.substr(0, semicolon));
         if (semicolon == std::u16string_view::npos) break;
         style.remove_prefix(semicolon + 1);
     }
@@ -71,6 +94,12 @@ void SetCss(CssDeclarations& declarations, std::u16string_view name, std::u16str
         }
     }
     declarations.push_back(CssDeclaration{std::u16string(name), std::move(value)});
+}
+
+void MergeCss(CssDeclarations& into, const CssDeclarations& from) {
+    if (from.empty()) return;
+    CssIndex index(into);
+    for (const CssDeclaration& d : from) index.Set(d.name, d.value);
 }
 
 void RemoveCss(CssDeclarations& declarations, std::u16string_view name) {

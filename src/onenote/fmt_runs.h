@@ -36,6 +36,8 @@ std::u16string FormatCss(const CssDeclarations& declarations);
 const std::u16string* FindCss(const CssDeclarations& declarations, std::u16string_view name);
 // Replaces the value in place, or appends the declaration.
 void SetCss(CssDeclarations& declarations, std::u16string_view name, std::u16string value);
+// SetCss for each declaration of `from` in turn, in time linear in the two.
+void MergeCss(CssDeclarations& into, const CssDeclarations& from);
 void RemoveCss(CssDeclarations& declarations, std::u16string_view name);
 
 // What a run's characters are formatted with: the CSS of its spans, the language of its span and

@@ -176,6 +176,13 @@ void HierarchyObject::Written(const PropertyDef&) {
     session().HierarchyChanged(*this);
 }
 
+void HierarchyObject::MarkChildrenMoved() {
+    childrenMoved_ = true;
+    if (changed_) return;
+    changed_ = true;
+    session().HierarchyChanged(*this);
+}
+
 NotebookRootObject::NotebookRootObject(Session& session, std::shared_ptr<ON::Notebooks> notebooks)
     : HierarchyObject(session, ObjectType::NotebookRoot, std::move(notebooks)) {}
 std::span<const PropertyTable> NotebookRootObject::Tables() const { return kRootTables; }

@@ -44,7 +44,11 @@ public:
     // A macro wrote one of its hierarchy attributes: it goes to OneNote when the run's changes are
     // saved.
     bool changed() const noexcept { return changed_; }
-    void ClearChanged() { changed_ = false; }
+    // The order of its children changed (a sort, a page moved into place): they go to OneNote
+    // with it.
+    bool childrenMoved() const noexcept { return childrenMoved_; }
+    void MarkChildrenMoved();
+    void ClearChanged() { changed_ = childrenMoved_ = false; }
 
     bool SameAs(const MacroObject& other) const override;
     // `Section "Ideas" (Section)`; the root is `notebook root (NotebookRoot)`.
@@ -58,6 +62,7 @@ private:
     ON::HierarchyObjectAttributes* attributes_ = nullptr;
     Level level_ = Level::None;
     bool changed_ = false;
+    bool childrenMoved_ = false;
 };
 
 class NotebookRootObject final : public HierarchyObject {

@@ -28,6 +28,7 @@ inline constexpr std::u16string_view kFolderDuplicateId = u"Cannot read [1]: the
 inline constexpr std::u16string_view kFolderIdTooLong =
     u"Cannot read [1]: the ID \"[2]\" is too long to name a page file";
 inline constexpr std::u16string_view kFolderFileError = u"[1]";
+inline constexpr std::u16string_view kFileNotWritten = u"Cannot write \"[1]\"";
 
 // The bundled sample notebook and its working copy.
 inline constexpr std::u16string_view kSampleNotFound =
@@ -139,5 +140,40 @@ inline constexpr std::u16string_view kLogCannotFind = u"\t\tCannot find ";
 inline constexpr std::u16string_view kLogPiecesOfText = u"pieces of text with value '";
 // The value of a font size that is no positive number, in kInvalidPropertyValue's [4].
 inline constexpr std::u16string_view kKindFontSize = u"positive number";
+
+// Inserting objects (InsertObject).
+inline constexpr std::u16string_view kOnlyPageUnderSection = u"Only objects of type Page can be inserted under a Section";
+inline constexpr std::u16string_view kOnlyOutlineUnderPage = u"Only objects of type Outline can be inserted under a Page";
+inline constexpr std::u16string_view kOnlyParagraphOrTable =
+    u"Only objects of type Paragraph or Table can be inserted under an Outline or a Cell";
+inline constexpr std::u16string_view kOnlyTextOrTag = u"Only objects of type Text or Tag can be inserted under a Paragraph";
+inline constexpr std::u16string_view kOnlyRow = u"Only objects of type Row can be inserted under a Table";
+inline constexpr std::u16string_view kOnlyCell = u"Only objects of type Cell can be inserted under a Row";
+inline constexpr std::u16string_view kOnlyTagUnderImage = u"Only objects of type Tag can be inserted under an Image";
+inline constexpr std::u16string_view kOnlyTagUnderFile = u"Only objects of type Tag can be inserted under an EmbeddedFile";
+inline constexpr std::u16string_view kCannotInsertUnder = u"Cannot insert objects under [1]";
+inline constexpr std::u16string_view kTextPosition =
+    u"Position must be 0 or -1 when inserting Text objects under a Paragraph";
+inline constexpr std::u16string_view kTooManyTags = u"Too many tags are inserted on a single object";
+inline constexpr std::u16string_view kImageTagInsideOutline =
+    u"Cannot insert tags on an object of type Image inside an Outline. Insert the tag on the parent Paragraph instead.";
+inline constexpr std::u16string_view kFileTagInsideOutline =
+    u"Cannot insert tags on an object of type EmbeddedFile inside an Outline. Insert the tag on the parent Paragraph "
+    u"instead.";
+// Text goes only into a paragraph of text; [1] what the paragraph holds, as its contentType names it.
+inline constexpr std::u16string_view kTextIntoNonText =
+    u"Cannot insert objects of type Text under a Paragraph that holds [1]";
+inline constexpr std::u16string_view kNewTagName = u"To Do";
+inline constexpr std::u16string_view kLogInserting = u"\tInserting an object of type ";
+inline constexpr std::u16string_view kLogAt = u" at ";
+inline constexpr std::u16string_view kLogAtIndex = u"index [";
+inline constexpr std::u16string_view kLogAtIndexEnd = u"]";
+inline constexpr std::u16string_view kLogAtTheEnd = u"at the end";
+
+// Sorting objects (SortObjects).
+inline constexpr std::u16string_view kSortExpectsArray = u"Expected an array at first parameter of SortObjects";
+inline constexpr std::u16string_view kSortExpectsObjects = u"Expected object in the array at first parameter of SortObjects";
+inline constexpr std::u16string_view kLogSortKeys = u"Sort Keys for ";
+inline constexpr std::u16string_view kLogSortKeysObjects = u" objects:";
 
 }  // namespace qm::onenote::msg

@@ -35,7 +35,7 @@ auto ReadGiven(Read read) {
     }
 }
 
-std::u16string FileNameText(const fs::path& path) { return FormatMessage(msg::kFileName, {FromUtf8(path.string())}); }
+std::u16string FileNameText(const fs::path& path) { return FormatMessage(msg::kFileName, {path.u16string()}); }
 
 std::u16string NewPageId(std::u16string_view sectionId) {
     static std::mt19937_64 random(static_cast<std::uint64_t>(
@@ -79,7 +79,7 @@ NotebookFolder::NotebookFolder(fs::path folder, Clock clock) : folder_(std::move
     const fs::path file = folder_ / "hierarchy.xml";
     std::error_code ec;
     if (!fs::is_regular_file(file, ec)) {
-        throw FolderError(FormatMessage(msg::kFolderNoHierarchy, {FromUtf8(folder_.string())}));
+        throw FolderError(FormatMessage(msg::kFolderNoHierarchy, {folder_.u16string()}));
     }
     try {
         root_ = ON::ReadNotebooks(io::DecodeXmlBytes(io::ReadFileBytes(file)), FileNameText(file));
@@ -100,7 +100,19 @@ NotebookFolder::NotebookFolder(fs::path folder, Clock clock) : folder_(std::move
     });
 }
 
-NotebookFolder::~NotebookFolder() = default;
+NotebookFolder::~NotebookFolder() {
+    try {
+        Flush();
+    } catch (...) {
+        // Nothing can report it here; whoever needs to know calls Flush first.
+    }
+}
+
+void NotebookFolder::Flush() {
+    if (!hierarchyChanged_) return;
+    io::WriteFileAtomically(folder_ / "hierarchy.xml", ON::WriteDocumentFile(*root_));
+    hierarchyChanged_ = false;
+}
 
 fs::path NotebookFolder::PageFileName(std::u16string_view id) { return detail::PageFileName(id); }
 
@@ -112,10 +124,6 @@ const NotebookFolder::Node& NotebookFolder::Find(std::u16string_view id, std::ui
     const auto found = nodes_.find(std::u16string(id));
     if (found == nodes_.end()) Fail(missing);
     return *found->second;
-}
-
-void NotebookFolder::SaveHierarchy() const {
-    io::WriteFileAtomically(folder_ / "hierarchy.xml", ON::WriteDocumentFile(*root_));
 }
 
 void NotebookFolder::WritePage(const std::u16string& id, const ON::Page& page) const {
@@ -190,7 +198,7 @@ void NotebookFolder::UpdatePageContent(std::u16string_view pageXml, std::optiona
     stored.lastModifiedTime = page->lastModifiedTime;
     if (page->dateTime) stored.dateTime = page->dateTime;
     if (page->pageLevel) stored.pageLevel = page->pageLevel;
-    SaveHierarchy();
+    MarkHierarchyChanged();
 }
 
 void NotebookFolder::UpdateHierarchy(std::u16string_view changesXml) {
@@ -229,7 +237,7 @@ void NotebookFolder::UpdateHierarchy(std::u16string_view changesXml) {
         detail::ApplyChanges(static_cast<const ON::Page&>(*Find(id, hr::kPageDoesNotExist).element), *page, now);
         WritePage(id, *page);
     }
-    SaveHierarchy();
+    MarkHierarchyChanged();
 }
 
 std::u16string NotebookFolder::GetHyperlinkToObject(std::u16string_view hierarchyId,
@@ -269,7 +277,7 @@ std::u16string NotebookFolder::CreateNewPage(std::u16string_view sectionId) {
     WritePage(id, *detail::NewPageContent(*entry));
     ON::Page& added = section.pages.Add(entry);
     nodes_.emplace(id, std::make_unique<Node>(Node{Kind::Page, &added}));
-    SaveHierarchy();
+    MarkHierarchyChanged();
     return id;
 }
 

@@ -16,6 +16,11 @@
 // Files are read in UTF-8 or UTF-16, with or without a byte order mark, and written as UTF-8
 // with an XML declaration and two-space indentation; every write replaces its file atomically.
 //
+// Hierarchy changes (a page's new name and time, renames, new pages) take effect at once for every
+// call on the object but reach hierarchy.xml only at Flush() or when the object goes, so that
+// saving many pages rewrites the hierarchy once, not once per page. Page files are written at
+// once. A process that dies before the flush loses only those hierarchy attributes.
+//
 // What it does as OneNote does: scopes cut the hierarchy at their depth; IDs that do not exist,
 // read-only and locked sections and pages in the recycle bin fail with OneNote's codes and texts;
 // UpdatePageContent replaces the page and sets its name (from the title) and last-modified time
@@ -85,6 +90,9 @@ public:
                                         std::u16string_view pageContentObjectId) override;
     std::u16string CreateNewPage(std::u16string_view sectionId) override;
 
+    // Writes hierarchy.xml when anything in it changed. Throws io::FileError.
+    void Flush();
+
     const std::filesystem::path& folder() const noexcept { return folder_; }
     std::filesystem::path PagePath(std::u16string_view pageId) const;
 
@@ -94,7 +102,7 @@ public:
 private:
     struct Node;
     const Node& Find(std::u16string_view id, std::uint32_t missing) const;
-    void SaveHierarchy() const;
+    void MarkHierarchyChanged() { hierarchyChanged_ = true; }
     void WritePage(const std::u16string& id, const ON::Page& page) const;
     void CheckWritable(const ON::Section* section, std::uint32_t whenLocked) const;
 
@@ -102,6 +110,7 @@ private:
     Clock clock_;
     std::shared_ptr<ON::Notebooks> root_;
     std::unordered_map<std::u16string, std::unique_ptr<Node>> nodes_;
+    bool hierarchyChanged_ = false;
 };
 
 }  // namespace qm::onenote

@@ -3,7 +3,9 @@
 #include <cstdio>
 #include <fstream>
 
+#include "core/format.h"
 #include "core/text.h"
+#include "onenote/messages.h"
 #include "onenote/notebook_folder.h"
 #include "onenote/on_document.h"
 
@@ -124,7 +126,7 @@ std::shared_ptr<ON::Page> PageContent(const ON::Page& entry, const std::u16strin
 void WriteFile(const fs::path& path, const std::string& bytes) {
     std::ofstream out(path, std::ios::binary | std::ios::trunc);
     out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    if (!out) throw FolderError(FromUtf8(path.string()));
+    if (!out) throw FolderError(FormatMessage(msg::kFileNotWritten, {path.u16string()}));
 }
 
 }  // namespace

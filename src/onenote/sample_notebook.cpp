@@ -54,7 +54,7 @@ fs::path BundledSampleNotebook() {
     for (const fs::path& candidate : candidates) {
         if (IsNotebookFolder(candidate)) return candidate.lexically_normal();
         if (!looked.empty()) looked += u", ";
-        looked += FromUtf8(candidate.lexically_normal().string());
+        looked += candidate.lexically_normal().u16string();
     }
     throw FolderError(FormatMessage(msg::kSampleNotFound, {looked}));
 }

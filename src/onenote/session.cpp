@@ -39,12 +39,16 @@ Level LevelFor(ObjectType child) {
     }
 }
 
+// The fetched node as the kind of the held one; a document that holds another kind in its place
+// is not the one asked for.
 template <class E>
-E& As(xml::ChildElement& fetched, std::u16string_view documentName) {
+E& As(const HierarchyObject& held, xml::ChildElement& fetched) {
     auto* typed = dynamic_cast<E*>(&fetched);
     if (!typed) {
-        throw ON::DocumentError(ON::DocumentError::Kind::Invalid, FormatMessage(msg::kDocumentUnexpectedRoot,
-                                              {documentName, u"\"" + std::u16string(E::kName) + u"\"", fetched.ElementName()}));
+        throw ON::DocumentError(ON::DocumentError::Kind::Invalid,
+                                FormatMessage(msg::kDocumentUnexpectedRoot, {FormatMessage(msg::kFileName, {held.id()}),
+                                                                             u"\"" + std::u16string(E::kName) + u"\"",
+                                                                             fetched.ElementName()}));
     }
     return *typed;
 }
@@ -87,22 +91,22 @@ std::shared_ptr<HierarchyObject> Session::Register(const std::shared_ptr<xml::Ch
 }
 
 template <class E>
-std::shared_ptr<E> Session::Resolve(const std::shared_ptr<E>& fetched, ObjectType type, Level level) {
+std::shared_ptr<E> Session::Resolve(const std::shared_ptr<E>& fetched, ObjectType type, MergeSteps& pending) {
     const ON::String& id = fetched->ID;
     if (id && !id->empty()) {
         const Cache& cache = CacheOf(type);
         if (const auto found = cache.find(*id); found != cache.end()) {
-            const std::shared_ptr<HierarchyObject>& held = found->second;
-            if (held->node() != fetched.get()) Merge(*held, *fetched, level);
-            return std::static_pointer_cast<E>(held->element());
+            HierarchyObject& held = *found->second;
+            pending.push_back({&held, fetched});
+            return std::static_pointer_cast<E>(held.element());
         }
     }
-    Merge(*Register(fetched, type), *fetched, level);
+    pending.push_back({Register(fetched, type).get(), fetched});
     return fetched;
 }
 
 void Session::MergeChildren(xml::ChildList<ON::SectionChoice>& held, xml::ChildList<ON::SectionChoice>& fetched,
-                            Level level) {
+                            MergeSteps& pending) {
     const std::vector<std::shared_ptr<ON::SectionChoice>> items = fetched.items();
     for (const auto& choice : held) {
         if (choice->section) choice->section->owner = nullptr;
@@ -110,11 +114,11 @@ void Session::MergeChildren(xml::ChildList<ON::SectionChoice>& held, xml::ChildL
     }
     for (const auto& choice : items) {
         if (choice->section) {
-            choice->section = Resolve(choice->section, ObjectType::Section, level);
+            choice->section = Resolve(choice->section, ObjectType::Section, pending);
             choice->section->owner = choice.get();
         }
         if (choice->sectionGroup) {
-            choice->sectionGroup = Resolve(choice->sectionGroup, ObjectType::SectionGroup, level);
+            choice->sectionGroup = Resolve(choice->sectionGroup, ObjectType::SectionGroup, pending);
             choice->sectionGroup->owner = choice.get();
         }
     }
@@ -124,40 +128,49 @@ void Session::MergeChildren(xml::ChildList<ON::SectionChoice>& held, xml::ChildL
 
 // Merges a fetched node into the node of the same ID the run holds. The held node keeps its own
 // attributes (a macro may have changed them); its children are replaced by the fetched ones,
-// held where the run knows them already, when the fetch reached them.
-void Session::Merge(HierarchyObject& held, xml::ChildElement& fetched, Level level) {
-    const std::u16string documentName = FormatMessage(msg::kFileName, {held.id()});
+// held where the run knows them already, when the fetch reached them. Section groups nest as
+// deep as the hierarchy does: the nodes still to merge wait in a list, not on the stack.
+void Session::Merge(HierarchyObject& top, xml::ChildElement& fetched, Level level) {
+    MergeSteps pending;
+    MergeOne(top, fetched, level, pending);
+    while (!pending.empty()) {
+        const MergeStep step = std::move(pending.back());
+        pending.pop_back();
+        MergeOne(*step.held, *step.fetched, level, pending);
+    }
+}
+
+void Session::MergeOne(HierarchyObject& held, xml::ChildElement& fetched, Level level, MergeSteps& pending) {
     switch (held.type()) {
         case ObjectType::NotebookRoot: {
-            auto& from = As<ON::Notebooks>(fetched, documentName);
             auto& to = static_cast<ON::Notebooks&>(*held.node());
-            const std::vector<std::shared_ptr<ON::Notebook>> items = from.notebooks.items();
+            const std::vector<std::shared_ptr<ON::Notebook>> items = As<ON::Notebooks>(held, fetched).notebooks.items();
             std::vector<std::shared_ptr<ON::Notebook>> resolved;
             resolved.reserve(items.size());
-            for (const auto& notebook : items) resolved.push_back(Resolve(notebook, ObjectType::Notebook, level));
+            for (const auto& notebook : items) resolved.push_back(Resolve(notebook, ObjectType::Notebook, pending));
             to.notebooks.Clear();
             for (auto& notebook : resolved) to.notebooks.Add(std::move(notebook));
             break;
         }
         case ObjectType::Notebook:
             if (level >= Level::Sections) {
-                MergeChildren(static_cast<ON::Notebook&>(*held.node()).children,
-                              As<ON::Notebook>(fetched, documentName).children, level);
+                MergeChildren(static_cast<ON::Notebook&>(*held.node()).children, As<ON::Notebook>(held, fetched).children,
+                              pending);
             }
             break;
         case ObjectType::SectionGroup:
             if (level >= Level::Sections) {
                 MergeChildren(static_cast<ON::SectionGroup&>(*held.node()).children,
-                              As<ON::SectionGroup>(fetched, documentName).children, level);
+                              As<ON::SectionGroup>(held, fetched).children, pending);
             }
             break;
         case ObjectType::Section:
             if (level >= Level::Pages) {
                 auto& to = static_cast<ON::Section&>(*held.node());
-                const std::vector<std::shared_ptr<ON::Page>> items = As<ON::Section>(fetched, documentName).pages.items();
+                const std::vector<std::shared_ptr<ON::Page>> items = As<ON::Section>(held, fetched).pages.items();
                 std::vector<std::shared_ptr<ON::Page>> resolved;
                 resolved.reserve(items.size());
-                for (const auto& page : items) resolved.push_back(Resolve(page, ObjectType::Page, level));
+                for (const auto& page : items) resolved.push_back(Resolve(page, ObjectType::Page, pending));
                 to.pages.Clear();
                 for (auto& page : resolved) to.pages.Add(std::move(page));
             }
@@ -182,16 +195,18 @@ void Session::Fetch(HierarchyObject& scope, Level level) {
         LogLine(log_, line);
     }
     const Level hierarchy = std::min(level, Level::Pages);
-    if (scope.level() < hierarchy) {
-        const std::u16string id = scope.type() == ObjectType::NotebookRoot ? std::u16string() : scope.id();
-        const std::u16string xml = api_->GetHierarchy(id, ScopeOf(hierarchy));
-        const ON::HierarchyDocument fetched = ON::ReadHierarchy(xml, FormatMessage(msg::kFileName, {id}));
-        Merge(scope, ON::RootOf(fetched), hierarchy);
-    }
+    if (scope.level() < hierarchy) Refresh(scope, hierarchy);
     if (level == Level::PageContents) {
         LoadAllPages(scope);
         scope.RaiseLevel(Level::PageContents);
     }
+}
+
+void Session::Refresh(HierarchyObject& scope, Level level) {
+    const std::u16string id = scope.type() == ObjectType::NotebookRoot ? std::u16string() : scope.id();
+    const std::u16string xml = api_->GetHierarchy(id, ScopeOf(level));
+    const ON::HierarchyDocument fetched = ON::ReadHierarchy(xml, FormatMessage(msg::kFileName, {id}));
+    Merge(scope, ON::RootOf(fetched), level);
 }
 
 void Session::LoadAllPages(HierarchyObject& scope) {

@@ -18,6 +18,8 @@
 //   counted: one call per changed node, holding that node alone (a page is sent inside its
 //   section). They are not pages: they are neither counted nor subject to the multi-page
 //   confirmation, and a failed, cancelled or ExitMacro(false) run sends none.
+//   A node whose children a macro reordered (SortObjects, a page inserted at a position) is sent
+//   with its children, each with its attributes only.
 // - Modified pages are sent with UpdatePageContent, in page-table (load) order.
 // After saving, the pages' documents are let go: a page the run is done with keeps nothing but its
 // bound form while a macro value still refers to it.
@@ -88,6 +90,9 @@ public:
     // Makes sure the subtree below the object is known to the level, fetching (and logging) what
     // is missing. Level::PageContents also loads the content of every page below it.
     void Fetch(HierarchyObject& scope, Level level);
+    // Fetches the subtree below the object to the level again (whatever is known already), to
+    // see what OneNote has added; nothing is logged.
+    void Refresh(HierarchyObject& scope, Level level);
     // The cached object of a hierarchy element of the tree.
     std::shared_ptr<HierarchyObject> ObjectOf(const xml::ChildElement& element) const;
     // The cached object of that kind and ID, or null.
@@ -122,12 +127,21 @@ private:
     using Cache = std::map<std::u16string, std::shared_ptr<HierarchyObject>, std::less<>>;
 
     std::shared_ptr<HierarchyObject> Register(const std::shared_ptr<xml::ChildElement>& element, ObjectType type);
-    // The held node for a fetched one: the node of that ID the run already holds (with what is
-    // new below it merged in), or the fetched node, now held.
+    // A fetched node still to be merged into the node the run holds for it.
+    struct MergeStep {
+        HierarchyObject* held;
+        std::shared_ptr<xml::ChildElement> fetched;  // kept alive: its slot now holds the held node
+    };
+    using MergeSteps = std::vector<MergeStep>;
+
+    // The held node for a fetched one: the node of that ID the run already holds, or the fetched
+    // node, now held; either way the fetched node's children wait in `pending` to be merged.
     template <class E>
-    std::shared_ptr<E> Resolve(const std::shared_ptr<E>& fetched, ObjectType type, Level level);
-    void Merge(HierarchyObject& held, xml::ChildElement& fetched, Level level);
-    void MergeChildren(xml::ChildList<ON::SectionChoice>& held, xml::ChildList<ON::SectionChoice>& fetched, Level level);
+    std::shared_ptr<E> Resolve(const std::shared_ptr<E>& fetched, ObjectType type, MergeSteps& pending);
+    void Merge(HierarchyObject& top, xml::ChildElement& fetched, Level level);
+    void MergeOne(HierarchyObject& held, xml::ChildElement& fetched, Level level, MergeSteps& pending);
+    void MergeChildren(xml::ChildList<ON::SectionChoice>& held, xml::ChildList<ON::SectionChoice>& fetched,
+                       MergeSteps& pending);
     void LoadAllPages(HierarchyObject& scope);
     MacroValue WalkUp(const MacroValue& object, const MacroValue& type, Argument& out, bool parentOnly,
                       std::u16string_view function);

@@ -1,4 +1,4 @@
-// QueryText, InsertObject and SortObjects.
+// QueryText.
 #include <stdexcept>
 
 #include "core/error.h"
@@ -55,14 +55,6 @@ MacroValue Session::QueryText(const MacroValue& scope, const MacroValue& value, 
     }
     if (log_) LogLine(log_, FoundTextLogLine(pieces.size(), searched));
     return ObjectArray(pieces);
-}
-
-MacroValue Session::InsertObject(const MacroValue&, const MacroValue&, const MacroValue&) {
-    throw MacroError(u"InsertObject is not available yet");
-}
-
-MacroValue Session::SortObjects(const MacroValue&, const MacroValue&, const MacroValue&) {
-    throw MacroError(u"SortObjects is not available yet");
 }
 
 }  // namespace qm::onenote

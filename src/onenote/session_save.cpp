@@ -6,14 +6,42 @@
 namespace qm::onenote {
 namespace {
 
-// A hierarchy node alone, with its attributes and without its children: UpdateHierarchy applies
-// what it is given, and the node's children have not changed.
-std::u16string NodeDocument(const xml::ChildElement& element) {
+// The hierarchy nodes directly below a node, in order.
+std::vector<const xml::ChildElement*> ChildNodes(const xml::ChildElement& element) {
+    std::vector<const xml::ChildElement*> children;
+    const xml::ChildList<ON::SectionChoice>* choices = nullptr;
+    if (const auto* root = dynamic_cast<const ON::Notebooks*>(&element)) {
+        for (const auto& notebook : root->notebooks) children.push_back(notebook.get());
+    } else if (const auto* notebook = dynamic_cast<const ON::Notebook*>(&element)) {
+        choices = &notebook->children;
+    } else if (const auto* group = dynamic_cast<const ON::SectionGroup*>(&element)) {
+        choices = &group->children;
+    } else if (const auto* section = dynamic_cast<const ON::Section*>(&element)) {
+        for (const auto& page : section->pages) children.push_back(page.get());
+    }
+    if (choices) {
+        for (const auto& choice : *choices) {
+            if (choice->section) children.push_back(choice->section.get());
+            if (choice->sectionGroup) children.push_back(choice->sectionGroup.get());
+        }
+    }
+    return children;
+}
+
+// A hierarchy node with its attributes, and its children (attributes only) when their order
+// changed: UpdateHierarchy applies what it is given, and nothing else below the node changed.
+std::u16string NodeDocument(const HierarchyObject& object) {
     std::u16string out;
     xml::StringSink sink(out);
     xml::XmlWriter writer(sink, xml::WriterOptions{true, u"\n", xml::IllegalCharacters::Reference});
     writer.WriteDeclaration(u"");
-    ON::WriteStartWithAttributes(element, writer);
+    ON::WriteStartWithAttributes(*object.node(), writer);
+    if (object.childrenMoved()) {
+        for (const xml::ChildElement* child : ChildNodes(*object.node())) {
+            ON::WriteStartWithAttributes(*child, writer);
+            writer.EndElement();
+        }
+    }
     writer.EndElement();
     writer.EndDocument();
     return out;
@@ -26,7 +54,7 @@ void Session::SaveHierarchyChanges() {
     changed_.clear();
     for (const auto& object : changed) {
         if (!object->changed()) continue;
-        api_->UpdateHierarchy(NodeDocument(*object->node()));
+        api_->UpdateHierarchy(NodeDocument(*object));
         object->ClearChanged();
     }
 }

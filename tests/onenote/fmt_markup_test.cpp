@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include "core/text.h"
+#include "core/value.h"
 #include "onenote/fmt_markup.h"
 #include "onenote/fmt_paragraph.h"
 #include "onenote/fmt_schema.h"
@@ -216,6 +217,17 @@ TEST(FormattedTextBinding, DeepNestingFailsCleanlyAndFallsBack) {
     EXPECT_FALSE(text.readable);
     ASSERT_EQ(text.runs.size(), 1u);
     EXPECT_EQ(text.runs[0].text, deep);
+}
+
+TEST(FormattedTextBinding, FormattingRepeatedFarBeyondTheMarkupsSizeFallsBack) {
+    std::u16string content = u"<a href=\"" + std::u16string(20000, u'x') + u"\">";
+    for (int i = 0; i < 5000; ++i) content += u"<span>y</span>";
+    content += u"</a>";
+    EXPECT_FALSE(ParseMarkup(content).readable);
+    // A long style reads in linear time, each name once.
+    std::u16string style;
+    for (int i = 0; i < 20000; ++i) style += u"n" + IntegerText(i % 2000) + u":v;";
+    EXPECT_EQ(ParseCss(style).size(), 2000u);
 }
 
 // The text elements of a page: its title's, its outlines' and their tables', in order.

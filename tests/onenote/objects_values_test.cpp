@@ -102,7 +102,7 @@ TEST_F(ObjectValuesTest, OrientationTakesOnlyPortraitOrLandscape) {
     EXPECT_EQ(session_->FinalizeModified(), 1u);
     session_->SaveModified();
     const Validation validation = ValidateFile(folder_->PagePath(Id(kFirst)));
-    if (validation.available) EXPECT_TRUE(validation.valid) << validation.output;
+    if (validation.available) { EXPECT_TRUE(validation.valid) << validation.output; }
 }
 
 TEST_F(ObjectValuesTest, ContentTypeOfParagraphs) {
@@ -189,7 +189,7 @@ TEST_F(ObjectValuesTest, OutlineTextIsItsTextParagraphs) {
     EXPECT_EQ(session_->FinalizeModified(), 1u);
     session_->SaveModified();
     const Validation validation = ValidateFile(folder_->PagePath(Id(kFirst)));
-    if (validation.available) EXPECT_TRUE(validation.valid) << validation.output;
+    if (validation.available) { EXPECT_TRUE(validation.valid) << validation.output; }
 }
 
 TEST_F(ObjectValuesTest, WritesConvertToThePropertysKind) {
@@ -215,6 +215,15 @@ TEST_F(ObjectValuesTest, WritingTheSameValueChangesNothing) {
     Set(Page(u"First"), u"orientation", MacroValue(u"portrait"));
     EXPECT_EQ(session_->FinalizeModified(), 0u);
     EXPECT_EQ(folder_->calls.updateHierarchy, 0);
+}
+
+TEST_F(ObjectValuesTest, HyperlinksComeFromOneNote) {
+    const std::u16string section = Get(Find(u"Section", u"Ideas"), u"hyperlink").string();
+    EXPECT_EQ(section, folder_->GetHyperlinkToObject(Id(kIdeas), u""));
+    const std::u16string paragraph = Get(Paragraph(u"Alpha"), u"hyperlink").string();
+    EXPECT_EQ(paragraph, folder_->GetHyperlinkToObject(Id(kFirst), Id(103)));
+    EXPECT_NE(section, paragraph);
+    EXPECT_EQ(folder_->calls.getHyperlinkToObject, 4);
 }
 
 TEST_F(ObjectValuesTest, WriteLogShowsTheValueBeforeAndAfter) {

@@ -143,8 +143,16 @@ std::u16string ReadSample(const fs::path& file) {
 
 fs::path SampleNotebookDir() { return fs::path(QUILLMARK_SOURCE_DIR) / "examples" / "notebook"; }
 
+// Tests run as separate processes side by side, so each test's scratch folders sit under its own name.
+static fs::path ScratchRoot() {
+    fs::path root = fs::temp_directory_path() / "quillmark-onenote-tests";
+    if (const auto* test = ::testing::UnitTest::GetInstance()->current_test_info())
+        root /= std::string(test->test_suite_name()) + "." + test->name();
+    return root;
+}
+
 fs::path ScratchDir(const std::string& name) {
-    const fs::path dir = fs::temp_directory_path() / "quillmark-onenote-tests" / name;
+    const fs::path dir = ScratchRoot() / name;
     fs::remove_all(dir);
     fs::create_directories(dir);
     return dir;
@@ -155,7 +163,8 @@ Validation ValidateFile(const fs::path& file) {
     const fs::path xsd = ReferenceDir() / "xsd" / "onenote-2010.xsd";
     if (ReferenceDir().empty() || std::system("xmllint --version > /dev/null 2>&1") != 0) return result;
     result.available = true;
-    const fs::path log = fs::temp_directory_path() / ("quillmark-xmllint-" + std::to_string(::testing::UnitTest::GetInstance()->random_seed()) + ".log");
+    const fs::path log = ScratchRoot() / "xmllint.log";
+    fs::create_directories(log.parent_path());
     const std::string command =
         "xmllint --noout --schema '" + xsd.string() + "' '" + file.string() + "' > '" + log.string() + "' 2>&1";
     result.valid = std::system(command.c_str()) == 0;

@@ -2,8 +2,11 @@
 // document order, one object per node, one load per page, and the log lines.
 #include <gtest/gtest.h>
 
+#include <fstream>
+
 #include "core/text.h"
 #include "onenote/fmt_paragraph.h"
+#include "onenote/onenote_test_util.h"
 #include "onenote/session_fixture.h"
 
 namespace qm::onenote::testing {
@@ -139,6 +142,47 @@ TEST_F(SessionQueryTest, QueryTextFindsPiecesUnderTheScope) {
     found.array()->elements()[0].value->object()->SetProperty(u"value", MacroValue(u"E"));
     EXPECT_EQ(Get(Query(u"Paragraph", first)[1], u"text").string(), u"Elpha");
     EXPECT_EQ(session_->FinalizeModified(), 1u);
+}
+
+// Section groups and paragraphs nested about as deep as a document may nest: queries, walks up
+// and text work without running out of stack.
+TEST_F(SessionQueryTest, DeeplyNestedHierarchiesAndPages) {
+    constexpr int kDepth = 700;
+    std::string hierarchy = "<?xml version=\"1.0\"?>\n<one:Notebooks xmlns:one=\"" + ToUtf8(ON::kNamespace) +
+                            "\"><one:Notebook name=\"Deep\" ID=\"" + ToUtf8(Id(1)) + "\">";
+    for (int i = 0; i < kDepth; ++i) hierarchy += "<one:SectionGroup name=\"g\" ID=\"" + ToUtf8(Id(1000 + i)) + "\">";
+    hierarchy += "<one:Section name=\"Bottom\" ID=\"" + ToUtf8(Id(2)) + "\"><one:Page ID=\"" + ToUtf8(Id(3)) +
+                 "\" name=\"P\"/></one:Section>";
+    for (int i = 0; i < kDepth; ++i) hierarchy += "</one:SectionGroup>";
+    hierarchy += "</one:Notebook></one:Notebooks>\n";
+    std::string page = "<?xml version=\"1.0\"?>\n<one:Page xmlns:one=\"" + ToUtf8(ON::kNamespace) + "\" ID=\"" +
+                       ToUtf8(Id(3)) + "\" name=\"P\"><one:Outline><one:OEChildren>";
+    constexpr int kParagraphs = 300;
+    for (int i = 0; i < kParagraphs; ++i) page += "<one:OE><one:T><![CDATA[x]]></one:T><one:OEChildren>";
+    page += "<one:OE><one:T><![CDATA[bottom]]></one:T></one:OE>";
+    for (int i = 0; i < kParagraphs; ++i) page += "</one:OEChildren></one:OE>";
+    page += "</one:OEChildren></one:Outline></one:Page>\n";
+    const std::filesystem::path deep = ScratchDir("session-deep");
+    std::filesystem::create_directories(deep / "pages");
+    std::ofstream(deep / "hierarchy.xml", std::ios::binary) << hierarchy;
+    std::ofstream(deep / "pages" / NotebookFolder::PageFileName(Id(3)), std::ios::binary) << page;
+
+    NotebookFolder folder(deep);
+    Session session(folder);
+    const MacroValue sections = session.QueryObjects(MacroValue(u"Section"), session.GetNotebookRoot());
+    ASSERT_EQ(sections.array()->size(), 1u);
+    const ObjectRef bottom = sections.array()->elements()[0].value->object();
+    Argument out{MacroValue(), std::make_shared<MacroValue>()};
+    EXPECT_TRUE(session.GetAncestorOfType(MacroValue(bottom), MacroValue(u"Notebook"), out).boolean());
+    const MacroValue paragraphs = session.QueryObjects(MacroValue(u"Paragraph"), MacroValue(bottom));
+    ASSERT_EQ(paragraphs.array()->size(), static_cast<std::size_t>(kParagraphs + 1));
+    const ObjectRef last = paragraphs.array()->elements().back().value->object();
+    EXPECT_TRUE(session.GetAncestorOfType(MacroValue(last), MacroValue(u"Outline"), out).boolean());
+    const ObjectRef outline = out.slot->object();
+    EXPECT_EQ(outline->GetProperty(u"text", false).string().size(), static_cast<std::size_t>(2 * kParagraphs + 6));
+    outline->SetProperty(u"text", MacroValue(u"flat"));
+    EXPECT_EQ(session.FinalizeModified(), 1u);
+    session.SaveModified();
 }
 
 }  // namespace

@@ -88,7 +88,7 @@ TEST_F(SessionRunTest, EveryParagraphChangedAndWrittenBackValid) {
     EXPECT_EQ(folder_->calls.updateHierarchy, 0);
     for (const fs::directory_entry& file : fs::directory_iterator(dir_ / "pages")) {
         const Validation validation = ValidateFile(file.path());
-        if (validation.available) EXPECT_TRUE(validation.valid) << file.path() << validation.output;
+        if (validation.available) { EXPECT_TRUE(validation.valid) << file.path() << validation.output; }
     }
     const std::vector<std::u16string> texts = PageTexts(kLemonCake);
     ASSERT_FALSE(texts.empty());
