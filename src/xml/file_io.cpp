@@ -17,14 +17,7 @@ struct FileCloser {
 };
 using File = std::unique_ptr<std::FILE, FileCloser>;
 
-File Open(const std::filesystem::path& path, const char* mode) {
-#ifdef _WIN32
-    std::wstring wmode(mode, mode + std::char_traits<char>::length(mode));
-    return File(_wfopen(path.c_str(), wmode.c_str()));
-#else
-    return File(std::fopen(path.c_str(), mode));
-#endif
-}
+File Open(const std::filesystem::path& path, const char* mode) { return File(OpenFile(path, mode)); }
 
 std::u16string DecodeUtf16(std::string_view bytes, bool bigEndian) {
     std::u16string out;
@@ -37,10 +30,16 @@ std::u16string DecodeUtf16(std::string_view bytes, bool bigEndian) {
     return out;
 }
 
+// The path as UTF-8 on every platform (Windows paths are wide).
+std::string PathUtf8(const std::filesystem::path& path) {
+    const std::u8string utf8 = path.u8string();
+    return std::string(utf8.begin(), utf8.end());
+}
+
 }  // namespace
 
 FileError::FileError(const std::filesystem::path& path, const std::string& what)
-    : std::runtime_error(path.string() + ": " + what), path_(path) {}
+    : std::runtime_error(PathUtf8(path) + ": " + what), path_(path) {}
 
 std::string ReadFileBytes(const std::filesystem::path& path) {
     File f = Open(path, "rb");
@@ -72,12 +71,10 @@ void WriteFileAtomically(const std::filesystem::path& path, std::string_view byt
             throw FileError(path, "cannot write the file (is the disk full?)");
         }
     }
-    std::error_code ec;
-    std::filesystem::rename(temp, path, ec);
-    if (ec) {
+    if (std::string error; !RenameOver(temp, path, error)) {
         std::error_code ignored;
         std::filesystem::remove(temp, ignored);
-        throw FileError(path, "cannot replace the file: " + ec.message());
+        throw FileError(path, "cannot replace the file: " + error);
     }
 }
 

@@ -34,7 +34,11 @@ std::u16string DecodeXmlBytes(std::string_view bytes);
 // UTF-16 little-endian bytes without a byte order mark.
 std::string EncodeUtf16Le(std::u16string_view text);
 
-// Flushes an open file's data to the disk (platform seam).
+// Platform seams. Opens a file as fopen does, with any name the platform allows.
+std::FILE* OpenFile(const std::filesystem::path& path, const char* mode);
+// Flushes an open file's data to the disk.
 void SyncFile(std::FILE* file);
+// Renames `from` over `to` in one step, replacing `to`; false with `error` set when it cannot.
+bool RenameOver(const std::filesystem::path& from, const std::filesystem::path& to, std::string& error);
 
 }  // namespace qm::io

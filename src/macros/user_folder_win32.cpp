@@ -1,0 +1,72 @@
+#include <objbase.h>
+#include <shlobj.h>
+#include <shobjidl.h>
+
+#include <cstdlib>
+
+#include "macros/user_folder.h"
+
+namespace qm::platform {
+namespace {
+
+// COM for the calling thread while it is needed: OneNote's thread has it already (the call then
+// only counts once more), the command-line tool's main thread does not.
+class ComScope {
+public:
+    ComScope() : hr_(::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED)) {}
+    ~ComScope() {
+        if (SUCCEEDED(hr_)) ::CoUninitialize();
+    }
+    ComScope(const ComScope&) = delete;
+    ComScope& operator=(const ComScope&) = delete;
+
+private:
+    HRESULT hr_;
+};
+
+template <typename T>
+class ComPtr {
+public:
+    ComPtr() = default;
+    ~ComPtr() {
+        if (p_ != nullptr) p_->Release();
+    }
+    ComPtr(const ComPtr&) = delete;
+    ComPtr& operator=(const ComPtr&) = delete;
+    T** out() { return &p_; }
+    T* operator->() const { return p_; }
+
+private:
+    T* p_ = nullptr;
+};
+
+// The roaming application data folder from the Known Folder Manager; empty when it cannot tell.
+std::filesystem::path RoamingAppData() {
+    ComScope com;
+    ComPtr<IKnownFolderManager> manager;
+    if (FAILED(::CoCreateInstance(CLSID_KnownFolderManager, nullptr, CLSCTX_INPROC_SERVER, IID_IKnownFolderManager,
+                                  reinterpret_cast<void**>(manager.out())))) {
+        return {};
+    }
+    ComPtr<IKnownFolder> folder;
+    if (FAILED(manager->GetFolder(FOLDERID_RoamingAppData, folder.out()))) return {};
+    PWSTR path = nullptr;
+    if (FAILED(folder->GetPath(0, &path)) || path == nullptr) return {};
+    std::filesystem::path result(path);
+    ::CoTaskMemFree(path);
+    return result;
+}
+
+}  // namespace
+
+// Roaming application data + "\quillmark\" (%APPDATA% should the folder manager fail).
+std::filesystem::path DefaultUserFolder() {
+    std::filesystem::path base = RoamingAppData();
+    if (base.empty()) {
+        const wchar_t* appData = ::_wgetenv(L"APPDATA");
+        base = appData != nullptr ? std::filesystem::path(appData) : std::filesystem::path(L".");
+    }
+    return base / "quillmark" / "";
+}
+
+}  // namespace qm::platform
