@@ -124,9 +124,10 @@ std::u16string IntegerText(std::int64_t i);
 // Writes the decimal digits of i into buffer (at least 24 units) and returns the view of them:
 // the allocation-free form used for keys and arithmetic.
 std::u16string_view IntegerText(std::int64_t i, char16_t* buffer);
-// The lower-case form of one UTF-16 code unit (ASCII, Latin-1, Latin Extended-A, Greek and
-// Cyrillic letters; every other unit is returned unchanged): the case folding of the
-// case-insensitive orderings.
+// The lower-case form of one UTF-16 code unit, as the platform lower-cases (on Windows the
+// system's invariant mapping; elsewhere a table of the ASCII, Latin-1, Latin Extended-A, Greek and
+// Cyrillic letters, every other unit unchanged): the case folding of the case-insensitive
+// orderings. The length of a text never changes.
 char16_t LowerCaseUnit(char16_t c);
 
 // Whole-value comparisons: the right value is converted to the left value's kind first.
