@@ -109,6 +109,7 @@ NotebookFolder::~NotebookFolder() {
 }
 
 void NotebookFolder::Flush() {
+    pageFiles_.Sync();
     if (!hierarchyChanged_) return;
     io::WriteFileAtomically(folder_ / "hierarchy.xml", ON::WriteDocumentFile(*root_));
     hierarchyChanged_ = false;
@@ -126,9 +127,9 @@ const NotebookFolder::Node& NotebookFolder::Find(std::u16string_view id, std::ui
     return *found->second;
 }
 
-void NotebookFolder::WritePage(const std::u16string& id, const ON::Page& page) const {
+void NotebookFolder::WritePage(const std::u16string& id, const ON::Page& page) {
     fs::create_directories(folder_ / "pages");
-    io::WriteFileAtomically(PagePath(id), ON::WriteDocumentFile(page));
+    pageFiles_.Replace(PagePath(id), ON::WriteDocumentFile(page));
 }
 
 void NotebookFolder::CheckWritable(const ON::Section* section, std::uint32_t whenLocked) const {

@@ -18,8 +18,10 @@
 //
 // Hierarchy changes (a page's new name and time, renames, new pages) take effect at once for every
 // call on the object but reach hierarchy.xml only at Flush() or when the object goes, so that
-// saving many pages rewrites the hierarchy once, not once per page. Page files are written at
-// once. A process that dies before the flush loses only those hierarchy attributes.
+// saving many pages rewrites the hierarchy once, not once per page. Page files are replaced at
+// once but flushed to the disk together at Flush(), before the hierarchy (io::FileBatch): a
+// process that dies before the flush loses only those hierarchy attributes; a power cut before it
+// may lose the pages written since the last flush too.
 //
 // What it does as OneNote does: scopes cut the hierarchy at their depth; IDs that do not exist,
 // read-only and locked sections and pages in the recycle bin fail with OneNote's codes and texts;
@@ -38,6 +40,7 @@
 
 #include "onenote/on_schema.h"
 #include "onenote/onenote_api.h"
+#include "xml/file_batch.h"
 
 namespace qm::onenote {
 
@@ -90,7 +93,8 @@ public:
                                         std::u16string_view pageContentObjectId) override;
     std::u16string CreateNewPage(std::u16string_view sectionId) override;
 
-    // Writes hierarchy.xml when anything in it changed. Throws io::FileError.
+    // Flushes the page files written since the last flush to the disk, then writes hierarchy.xml
+    // when anything in it changed. Throws io::FileError.
     void Flush();
 
     const std::filesystem::path& folder() const noexcept { return folder_; }
@@ -103,7 +107,7 @@ private:
     struct Node;
     const Node& Find(std::u16string_view id, std::uint32_t missing) const;
     void MarkHierarchyChanged() { hierarchyChanged_ = true; }
-    void WritePage(const std::u16string& id, const ON::Page& page) const;
+    void WritePage(const std::u16string& id, const ON::Page& page);
     void CheckWritable(const ON::Section* section, std::uint32_t whenLocked) const;
 
     std::filesystem::path folder_;
@@ -111,6 +115,7 @@ private:
     std::shared_ptr<ON::Notebooks> root_;
     std::unordered_map<std::u16string, std::unique_ptr<Node>> nodes_;
     bool hierarchyChanged_ = false;
+    io::FileBatch pageFiles_;
 };
 
 }  // namespace qm::onenote

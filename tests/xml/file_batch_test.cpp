@@ -1,0 +1,39 @@
+#include "xml/file_batch.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+
+#include "xml/file_io.h"
+
+namespace qm::io {
+namespace {
+
+namespace fs = std::filesystem;
+
+TEST(FileBatch, ReplacesAtOnceFlushesLaterAndNamesAFileItCannotWrite) {
+    const fs::path dir = fs::temp_directory_path() / "quillmark-file-batch";
+    fs::remove_all(dir);
+    fs::create_directories(dir);
+    FileBatch batch;
+    batch.Replace(dir / "a.xml", "first");
+    batch.Replace(dir / "a.xml", "second");
+    for (int i = 0; i < 40; ++i) batch.Replace(dir / ("p" + std::to_string(i) + ".xml"), std::to_string(i));
+    EXPECT_EQ(ReadFileBytes(dir / "a.xml"), "second");  // readable before the flush
+    EXPECT_FALSE(batch.empty());
+    batch.Sync();
+    EXPECT_TRUE(batch.empty());
+    EXPECT_EQ(ReadFileBytes(dir / "p39.xml"), "39");
+    EXPECT_EQ(std::distance(fs::directory_iterator(dir), fs::directory_iterator()), 41) << "no temporaries left";
+    try {
+        batch.Replace(dir / "missing" / "b.xml", "x");
+        FAIL() << "wrote into a missing folder";
+    } catch (const FileError& e) {
+        EXPECT_NE(std::string(e.what()).find("b.xml"), std::string::npos) << e.what();
+    }
+    fs::remove_all(dir);
+}
+
+}  // namespace
+}  // namespace qm::io
