@@ -1,7 +1,8 @@
 // Bytes (UTF-8) as the content of a paragraph's text element. Reading never fails; an element
 // stored back unchanged keeps its text; runs written as markup read back as the same runs
 // (joined), and writing those again gives the same markup; an edit of a stretch, stored and read
-// again, gives the edited text.
+// again, gives the edited text. Markup that the direct reader takes reads to the same tree as
+// through the XML reader.
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -11,6 +12,8 @@
 #include "onenote/fmt_markup.h"
 #include "onenote/fmt_paragraph.h"
 #include "onenote/fmt_properties.h"
+#include "onenote/fmt_quick_reader.h"
+#include "onenote/fmt_schema.h"
 
 namespace {
 
@@ -40,6 +43,22 @@ void CheckRewrite(const FormattedText& runs) {
     Check(WriteMarkup(again) == markup);
 }
 
+void CheckQuickReader(std::u16string_view content) {
+    const std::u16string prepared = PrepareMarkup(content);
+    // What the direct reader takes needs no preparation unless it holds breaks, hard spaces or
+    // blanks around it.
+    const bool framed = !content.empty() && (content.front() <= u' ' || content.back() <= u' ');
+    if (!framed && content.find(u"<b") == std::u16string_view::npos && content.find(u"<B") == std::u16string_view::npos &&
+        content.find(u"&nbsp;") == std::u16string_view::npos && ReadSimpleMarkup(content)) {
+        Check(prepared == content);
+    }
+    const auto quick = ReadSimpleMarkup(prepared);
+    if (!quick) return;
+    // An XmlError escaping here is a finding too: the direct reader took what XML refuses.
+    const auto full = qm::FMT::ParseText(u"<?xml version=\"1.0\"?><Text>" + prepared + u"</Text>");
+    Check(qm::FMT::SerializeText(*quick) == qm::FMT::SerializeText(*full));
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -48,6 +67,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::u16string content =
         qm::FromUtf8(std::string_view(reinterpret_cast<const char*>(data) + control, size - control));
 
+    CheckQuickReader(content);
     qm::ON::T t;
     t.text = content;
     const FormattedText runs = ReadRuns(t);

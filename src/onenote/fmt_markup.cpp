@@ -1,8 +1,10 @@
 #include "onenote/fmt_markup.h"
 
+#include <algorithm>
 #include <memory>
 #include <vector>
 
+#include "onenote/fmt_quick_reader.h"
 #include "onenote/fmt_schema.h"
 #include "xml/xml_error.h"
 
@@ -40,30 +42,37 @@ std::size_t LineBreakTag(std::u16string_view text) {
     return i < text.size() && text[i] == u'>' ? i + 1 : 0;
 }
 
-// Step 2.
+// Step 2, in one pass: no replacement can make or break a match of the other kind.
 std::u16string ReplaceBreaksAndSpaces(std::u16string_view content) {
-    std::u16string breaks;
-    breaks.reserve(content.size());
-    for (std::size_t i = 0; i < content.size();) {
-        if (const std::size_t tag = content[i] == u'<' ? LineBreakTag(content.substr(i)) : 0) {
-            breaks += u'\n';
-            i += tag;
-        } else {
-            breaks += content[i++];
-        }
-    }
     static constexpr std::u16string_view kNbsp = u"&nbsp;";
     std::u16string out;
-    out.reserve(breaks.size());
-    for (std::size_t i = 0; i < breaks.size();) {
-        if (breaks[i] == u'&' && std::u16string_view(breaks).substr(i).starts_with(kNbsp)) {
+    out.reserve(content.size());
+    for (std::size_t i = 0; i < content.size();) {
+        std::size_t special = i;
+        while (special < content.size() && content[special] != u'<' && content[special] != u'&') ++special;
+        out.append(content.substr(i, special - i));
+        i = special;
+        if (i == content.size()) break;
+        if (const std::size_t tag = content[i] == u'<' ? LineBreakTag(content.substr(i)) : 0) {
+            out += u'\n';
+            i += tag;
+        } else if (content.substr(i).starts_with(kNbsp)) {
             out += u' ';
             i += kNbsp.size();
         } else {
-            out += breaks[i++];
+            out += content[i++];
         }
     }
     return out;
+}
+
+// Whether step 2 has anything to replace (or may have: any tag starting "<b").
+bool HasBreaksOrHardSpaces(std::u16string_view text) {
+    for (std::size_t i = 0; i + 1 < text.size(); ++i) {
+        if (text[i] == u'<' && (text[i + 1] == u'b' || text[i + 1] == u'B')) return true;
+        if (text[i] == u'&' && text.substr(i).starts_with(u"&nbsp;")) return true;
+    }
+    return false;
 }
 
 // Whether `text` starts with a character or entity reference ("&amp;", "&#10;").
@@ -134,7 +143,9 @@ std::u16string QuoteAttributeValues(std::u16string_view text) {
     out.reserve(text.size() + 16);
     for (std::size_t i = 0; i < text.size();) {
         if (text[i] != u'<') {
-            out += text[i++];
+            const std::size_t next = std::min(text.find(u'<', i), text.size());
+            out.append(text.substr(i, next - i));
+            i = next;
             continue;
         }
         const std::u16string_view rest = text.substr(i);
@@ -321,12 +332,23 @@ std::u16string PrepareMarkup(std::u16string_view content) {
 }
 
 FormattedText ParseMarkup(std::u16string_view content) {
+    static constexpr std::u16string_view kOpen = u"<?xml version=\"1.0\"?><Text>", kClose = u"</Text>";
     FormattedText result;
-    std::u16string document = u"<?xml version=\"1.0\"?><Text>";
-    document += PrepareMarkup(content);
-    document += u"</Text>";
+    // Markup without line breaks and hard spaces is its own preparation when the direct reader
+    // takes it (it takes quoted attribute values only, and only they are left as they are).
+    const std::u16string_view framed = WithoutFrame(content);
+    std::shared_ptr<FMT::Text> tree = HasBreaksOrHardSpaces(framed) ? nullptr : ReadSimpleMarkup(framed);
+    const std::u16string prepared = tree ? std::u16string() : PrepareMarkup(content);
+    const std::size_t documentSize = kOpen.size() + (tree ? framed.size() : prepared.size()) + kClose.size();
     try {
-        result.runs = RunsOf(*FMT::ParseText(document), document.size());
+        if (!tree) tree = ReadSimpleMarkup(prepared);
+        if (!tree) {
+            std::u16string document(kOpen);
+            document += prepared;
+            document += kClose;
+            tree = FMT::ParseText(document);
+        }
+        result.runs = RunsOf(*tree, documentSize);
     } catch (const xml::XmlError&) {
         result.readable = false;
     } catch (const TooManyFormats&) {

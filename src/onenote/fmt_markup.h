@@ -9,7 +9,8 @@
 // 3. Attribute values written without quotes (OneNote writes `lang=en-US`) get quotes, so the
 //    fragment is XML; nothing outside start tags is touched.
 // 4. The fragment is wrapped in `<?xml version="1.0"?><Text>` ... `</Text>` and read with the FMT
-//    binding. Elements other than `span` and `a` count for their text only.
+//    binding (simple markup, most of it, by the direct reader of fmt_quick_reader.h, to the same
+//    tree). Elements other than `span` and `a` count for their text only.
 // 5. Each maximal stretch of characters under the same chain of `span` and `a` elements is one
 //    run. Its CSS is that of its spans, outer to inner (an inner declaration wins), its language
 //    that of the nearest span that has one, its link that of the nearest `a` that has an `href`.

@@ -6,6 +6,7 @@
 #include "core/value.h"
 #include "onenote/fmt_markup.h"
 #include "onenote/fmt_paragraph.h"
+#include "onenote/fmt_quick_reader.h"
 #include "onenote/fmt_schema.h"
 #include "onenote/on_document.h"
 #include "onenote_test_util.h"
@@ -207,6 +208,37 @@ TEST(FormattedTextBinding, MixedContentKeepsTextAndElementsInOrder) {
     EXPECT_EQ(std::get<std::u16string>(root->content[2]), u"de");
     EXPECT_EQ(FMT::SerializeText(*root),
               u"<Text>a <span style=\"s\" lang=\"l\">b<a href=\"h\">c</a><![CDATA[ ]]></span>de</Text>");
+}
+
+TEST(FormattedTextBinding, TheDirectReaderBuildsTheTreeTheXmlReaderBuilds) {
+    struct Case {
+        std::u16string_view prepared;
+        bool direct;  // whether the direct reader takes it, rather than leaving it to the XML reader
+    };
+    const Case cases[] = {
+        {u"plain text, \x01\x0B\xDC00 & all", false},  // a bare & is not well-formed
+        {u"a <span style='font-weight:bold' lang=\"en-US\">b<a href=\"h?x=1&amp;y=&#50;\">c</a> </span>d", true},
+        {u"<span\nstyle='color:\n#FF0000'\t>x</span ><span/>&lt;&gt;&quot;&apos;&#x1F600;\x01\xD800 ]>", true},
+        {u"<span style='a' style='b'>x</span>", false},    // repeated attribute
+        {u"<span class='c'>x</span>", false},              // another attribute
+        {u"<i>x</i>", false},                              // another element
+        {u"<span>x</a>", false},                           // mismatched end tag
+        {u"<span>x", false},                               // unclosed
+        {u"x]]>y", false},                                 // not allowed in text
+        {u"x\ry", false},                                  // carriage returns are normalised
+        {u"&#0; &#xD800; &#13; &copy;", false},            // references left to the XML reader
+        {u"<!-- c -->x<![CDATA[y]]>", false},
+        {u"<span style=a>x</span>", false},                // unquoted (preparation quotes these)
+        {u"<x:span xmlns:x='u'>x</x:span>", false},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(ToUtf8(c.prepared));
+        const auto direct = ReadSimpleMarkup(c.prepared);
+        EXPECT_EQ(direct != nullptr, c.direct);
+        if (!direct) continue;
+        const auto full = FMT::ParseText(u"<?xml version=\"1.0\"?><Text>" + std::u16string(c.prepared) + u"</Text>");
+        EXPECT_EQ(ToUtf8(FMT::SerializeText(*direct)), ToUtf8(FMT::SerializeText(*full)));
+    }
 }
 
 TEST(FormattedTextBinding, DeepNestingFailsCleanlyAndFallsBack) {
