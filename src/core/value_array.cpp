@@ -5,12 +5,18 @@
 #include <stdexcept>
 
 #include "core/value.h"
+#include "core/value_pool.h"
 
 namespace qm {
 
 namespace {
 
 bool IsDigit(char16_t c) { return c >= u'0' && c <= u'9'; }
+
+template <class... Args>
+ValueRef MakeElement(Args&&... args) {
+    return std::allocate_shared<MacroValue>(ElementAllocator<MacroValue>(), std::forward<Args>(args)...);
+}
 
 }  // namespace
 
@@ -117,7 +123,7 @@ void MacroArray::PushDense(MacroValue&& value) {
             ++key[i - 1];
         }
     }
-    elements_.push_back(Element{std::move(key), std::make_shared<MacroValue>(std::move(value))});
+    elements_.push_back(Element{std::move(key), MakeElement(std::move(value))});
     ++nextIndex_;
 }
 
@@ -134,7 +140,7 @@ std::size_t MacroArray::FindOrCreateIndex(std::u16string_view key) {
     auto it = keys_.lower_bound(key);
     if (it != keys_.end() && it->first == key) return it->second;
     std::size_t index = elements_.size();
-    elements_.push_back(Element{std::u16string(key), std::make_shared<MacroValue>()});
+    elements_.push_back(Element{std::u16string(key), MakeElement()});
     keys_.emplace_hint(it, std::u16string(key), index);
     NoteIntegerKey(key);
     return index;
@@ -155,7 +161,7 @@ MacroValue& MacroArray::Append(std::u16string key, MacroValue value) {
     auto [it, inserted] = keys_.emplace(key, index);
     if (!inserted) throw std::invalid_argument("MacroArray::Append: the key exists already");
     NoteIntegerKey(key);
-    elements_.push_back(Element{std::move(key), std::make_shared<MacroValue>(std::move(value))});
+    elements_.push_back(Element{std::move(key), MakeElement(std::move(value))});
     return *elements_.back().value;
 }
 
@@ -174,7 +180,7 @@ void MacroArray::PushBack(MacroValue value) {
     }
     std::size_t index = elements_.size();
     keys_.emplace(key, index);
-    elements_.push_back(Element{std::move(key), std::make_shared<MacroValue>(std::move(value))});
+    elements_.push_back(Element{std::move(key), MakeElement(std::move(value))});
     if (nextIndex_ < std::numeric_limits<std::int64_t>::max()) ++nextIndex_;
 }
 
@@ -202,7 +208,7 @@ void MacroArray::Renumber() {
 }
 
 void MacroArray::PushFront(MacroValue value) {
-    elements_.insert(elements_.begin(), Element{u"0", std::make_shared<MacroValue>(std::move(value))});
+    elements_.insert(elements_.begin(), Element{u"0", MakeElement(std::move(value))});
     Renumber();
 }
 

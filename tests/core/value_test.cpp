@@ -407,6 +407,21 @@ std::string Keys(const MacroArray& a) {
     return out;
 }
 
+// Element values come from a bounded block pool and, past it, from the general allocator: arrays
+// larger than the pool, dropped and built again, keep every value and free every block.
+TEST(Arrays, ArraysLargerThanTheElementPoolKeepEveryValue) {
+    for (int round = 0; round < 2; ++round) {
+        auto array = std::make_shared<MacroArray>();
+        const std::int32_t n = 300000;  // more elements than the pool has blocks
+        for (std::int32_t i = 0; i < n; ++i) array->PushBack(MacroValue(i));
+        ASSERT_EQ(array->size(), static_cast<std::size_t>(n));
+        std::int64_t sum = 0;
+        for (const auto& element : array->elements()) sum += element.value->integer();
+        EXPECT_EQ(sum, std::int64_t{n} * (n - 1) / 2);
+        EXPECT_EQ(array->Find(u"299999")->integer(), n - 1);
+    }
+}
+
 TEST(Arrays, PushBackUsesNextIndex) {
     MacroArray a;
     a.PushBack(Int(10));
