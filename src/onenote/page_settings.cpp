@@ -119,7 +119,7 @@ void SetOrientation(OneNoteObject& o, const MacroValue& v) {
     FixedSize(o).orientation->landscape = text == kLandscape;
 }
 
-template <ON::OptFloat ON::Dimensions::*Member, double Fallback>
+template <ON::OptFloat ON::Dimensions::*Member, const double& Fallback>
 MacroValue GetDimension(OneNoteObject& o) {
     const ON::PageSize* size = Size(o);
     if (IsAutomatic(size) || !size->dimensions) return MacroValue(Fallback);
@@ -130,7 +130,7 @@ void SetDimension(OneNoteObject& o, const MacroValue& v) {
     FixedSize(o).dimensions.get()->*Member = ON::Float::Of(v.decimal());
 }
 
-template <ON::OptFloat ON::Margins::*Member, double Fallback>
+template <ON::OptFloat ON::Margins::*Member, const double& Fallback>
 MacroValue GetMargin(OneNoteObject& o) {
     const ON::PageSize* size = Size(o);
     if (IsAutomatic(size) || !size->margins) return MacroValue(Fallback);
