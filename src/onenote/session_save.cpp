@@ -49,6 +49,8 @@ std::u16string NodeDocument(const HierarchyObject& object) {
 
 }  // namespace
 
+// Runs when the driver finalises the page table at a saving end of the run, so before any page is
+// sent: one UpdateHierarchy call per changed node, in the order of the nodes' first changes.
 void Session::SaveHierarchyChanges() {
     std::vector<std::shared_ptr<HierarchyObject>> changed = std::move(changed_);
     changed_.clear();
