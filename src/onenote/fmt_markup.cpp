@@ -325,13 +325,8 @@ void AppendSpanStart(std::u16string& out, const TextFormat& format) {
     out += u'>';
 }
 
-}  // namespace
-
-std::u16string PrepareMarkup(std::u16string_view content) {
-    return QuoteAttributeValues(ReplaceBreaksAndSpaces(WithoutFrame(content)));
-}
-
-FormattedText ParseMarkup(std::u16string_view content) {
+// The runs of the markup, read afresh.
+FormattedText ReadMarkup(std::u16string_view content) {
     static constexpr std::u16string_view kOpen = u"<?xml version=\"1.0\"?><Text>", kClose = u"</Text>";
     FormattedText result;
     // Markup without line breaks and hard spaces is its own preparation when the direct reader
@@ -360,6 +355,28 @@ FormattedText ParseMarkup(std::u16string_view content) {
         if (!raw.empty()) result.runs.push_back(TextRun{std::u16string(raw), TextFormat{}});
     }
     return result;
+}
+
+}  // namespace
+
+std::u16string PrepareMarkup(std::u16string_view content) {
+    return QuoteAttributeValues(ReplaceBreaksAndSpaces(WithoutFrame(content)));
+}
+
+FormattedText ParseMarkup(std::u16string_view content) {
+    // Changing a paragraph's text reads its markup three times (the macro reads the value, the
+    // write compares it with the old one and keeps the old formatting): the last markup read is
+    // remembered with its runs.
+    struct LastRead {
+        std::u16string content;
+        FormattedText runs;
+    };
+    thread_local LastRead last;
+    if (!last.content.empty() && content == last.content) return last.runs;
+    FormattedText runs = ReadMarkup(content);
+    last.runs = runs;
+    last.content = content;
+    return runs;
 }
 
 std::u16string WriteMarkup(const FormattedText& text) {
