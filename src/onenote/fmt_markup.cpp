@@ -351,8 +351,7 @@ FormattedText ReadMarkup(std::u16string_view content) {
     }
     if (!result.readable) {
         result.runs.clear();
-        const std::u16string_view raw = WithoutFrame(content);
-        if (!raw.empty()) result.runs.push_back(TextRun{std::u16string(raw), TextFormat{}});
+        if (!framed.empty()) result.runs.push_back(TextRun{std::u16string(framed), TextFormat{}});
     }
     return result;
 }
