@@ -4,12 +4,15 @@
 #include <iostream>
 
 #include "cli/command.h"
+#include "cli/console.h"
 
 namespace qm::cli {
 
 int Run(int argc, char** argv, std::ostream& out, std::ostream& err) {
     CLI::App app{"Quillmark: write, check and run OneNote macros", "quillmark"};
     app.require_subcommand(1);
+    // Paths such as /tmp/m.qm are arguments on every platform, never Windows-style options.
+    app.allow_windows_style_options(false);
     CommandContext context{{out, err}, {}};
     RegisterExpressionCommands(app, context);
     RegisterMacroCommands(app, context);
@@ -39,6 +42,15 @@ int Run(int argc, char** argv, std::ostream& out, std::ostream& err) {
     return context.action();
 }
 
-int Main(int argc, char** argv) { return Run(argc, argv, std::cout, std::cerr); }
+std::filesystem::path PathArg(const std::string& text) {
+    return std::filesystem::path(std::u8string(text.begin(), text.end()));
+}
+
+int Main(int argc, char** argv) {
+    std::vector<std::string> arguments = platform::Utf8Arguments(argc, argv);
+    std::vector<char*> pointers;
+    for (std::string& argument : arguments) pointers.push_back(argument.data());
+    return Run(static_cast<int>(pointers.size()), pointers.data(), std::cout, std::cerr);
+}
 
 }  // namespace qm::cli

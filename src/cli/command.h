@@ -2,6 +2,7 @@
 // parsed command line selected.
 #pragma once
 
+#include <filesystem>
 #include <functional>
 #include <iosfwd>
 #include <string>
@@ -30,6 +31,9 @@ struct CommandContext {
     Io io;
     Action action;
 };
+
+// A path given on the command line, which is UTF-8 on every platform.
+std::filesystem::path PathArg(const std::string& text);
 
 // One registration function per module, in the manner of a library table; each lives in its own
 // <module>_commands.cpp.

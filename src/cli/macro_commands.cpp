@@ -26,11 +26,6 @@ namespace msg = macros::msg;
 using macros::MacroStore;
 using macros::StoreError;
 
-// Command-line arguments are UTF-8.
-std::filesystem::path PathArg(const std::string& text) {
-    return std::filesystem::path(std::u8string(text.begin(), text.end()));
-}
-
 void PrintMessage(std::ostream& stream, std::u16string_view message) { stream << ToUtf8(message) << "\n"; }
 
 // Runs a command, turning the failures any of them can meet into their message on the error

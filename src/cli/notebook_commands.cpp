@@ -53,7 +53,7 @@ int Reset(Io& io) {
 }
 
 int Show(const std::string& id, const std::string& notebook, Io& io) {
-    onenote::NotebookFolder folder(notebook.empty() ? onenote::WorkingNotebook() : fs::path(notebook));
+    onenote::NotebookFolder folder(notebook.empty() ? onenote::WorkingNotebook() : PathArg(notebook));
     const std::u16string start = FromUtf8(id);
     std::u16string hierarchy;
     try {

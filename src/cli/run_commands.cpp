@@ -87,7 +87,7 @@ struct MacroToRun {
 };
 
 std::string Extension(const std::string& file) {
-    std::string extension = std::filesystem::path(file).extension().string();
+    std::string extension = PathArg(file).extension().string();
     std::transform(extension.begin(), extension.end(), extension.begin(),
                    [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
     return extension;
@@ -117,11 +117,14 @@ std::shared_ptr<M2::Macro> Pick(const M2::Macros& list, const std::string& file,
 }
 
 MacroToRun LoadFile(const std::string& file, bool textForm, const std::optional<std::string>& selector) {
-    const std::u16string text = io::DecodeXmlBytes(io::ReadFileBytes(std::filesystem::path(file)));
+    const std::u16string text = io::DecodeXmlBytes(io::ReadFileBytes(PathArg(file)));
     if (textForm) {
         // A text without "#name" is named after its file, for the progress line, log and boxes.
         std::shared_ptr<M2::Macro> macro = M2::ReadTextForm(text, file);
-        if (macro->name.empty()) macro->name = FromUtf8(std::filesystem::path(file).stem().string());
+        if (macro->name.empty()) {
+            const std::u8string stem = PathArg(file).stem().u8string();
+            macro->name = FromUtf8(std::string(stem.begin(), stem.end()));
+        }
         return {nullptr, macro};
     }
     try {
@@ -217,7 +220,7 @@ void FlushNotebook(onenote::OneNoteApi& notebook) {
 std::unique_ptr<onenote::OneNoteApi> OpenNotebook(const RunCommandOptions& options) {
     if (!options.notebook) return std::make_unique<LazyNotebookFolder>();
     try {
-        return std::make_unique<onenote::NotebookFolder>(std::filesystem::path(*options.notebook));
+        return std::make_unique<onenote::NotebookFolder>(PathArg(*options.notebook));
     } catch (const onenote::FolderError& e) {
         throw CommandFailure{e.message()};
     }
@@ -263,7 +266,7 @@ int RunMacroCommand(const RunCommandOptions& options, Io& io) {
         RunSettings settings;
         if (options.log) {
             settings.logging = true;
-            settings.logFile = std::filesystem::path(*options.log);
+            settings.logFile = PathArg(*options.log);
         } else {
             settings.logging = StoreLogging(store);
         }

@@ -41,7 +41,7 @@ constexpr std::u16string_view kCheckedClean = u"[1]: OK";
 enum class Format { Text, Xml };
 
 std::optional<Format> FormatOf(const std::string& file) {
-    std::string extension = std::filesystem::path(file).extension().string();
+    std::string extension = PathArg(file).extension().string();
     std::transform(extension.begin(), extension.end(), extension.begin(),
                    [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
     if (extension == ".qm") return Format::Text;
@@ -72,7 +72,7 @@ MacroFile Load(const std::string& name, Format format) {
     MacroFile file;
     file.name = name;
     file.format = format;
-    const std::u16string text = io::DecodeXmlBytes(io::ReadFileBytes(std::filesystem::path(name)));
+    const std::u16string text = io::DecodeXmlBytes(io::ReadFileBytes(PathArg(name)));
     if (format == Format::Text) {
         file.macros.push_back({M2::ReadTextForm(text, name, &file.lines), u"Macro"});
         return file;
@@ -160,7 +160,7 @@ int Convert(const ConvertOptions& options, Io& io) {
         } else {
             bytes = io::EncodeUtf16Le(M2::WriteMacroXml(macro));
         }
-        io::WriteFileAtomically(std::filesystem::path(options.out), bytes);
+        io::WriteFileAtomically(PathArg(options.out), bytes);
         return kExitOk;
     });
 }

@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "xml/messages.h"
-#include "xml/xml_chars.h"
 #include "xml/xml_error.h"
 
 namespace qm::xml {
@@ -75,13 +74,6 @@ void RefuseUnreadable(std::u16string_view text) {
         const auto [line, column] = LineAndColumn(text, *doctype);
         throw XmlError(std::u16string(msg::kDtdProhibited), line, column);
     }
-}
-
-std::string ParserInput(std::u16string_view text, bool shield) {
-    if (shield) return ToShieldedUtf8(text);
-    std::string utf8;
-    AppendUtf8(utf8, text);
-    return utf8;
 }
 
 }  // namespace qm::xml

@@ -71,14 +71,16 @@ bool IsShieldable(char32_t c) {
     return (c >= 0xD800 && c <= 0xDFFF) || c == 0xFFFE || c == 0xFFFF;
 }
 
-std::optional<char16_t> Unshield(char32_t c) {
+std::optional<char16_t> Unshield(char32_t c, ShieldOptions options) {
     if (c < kShieldBase || c > kShieldBase + 0xFFFF) return std::nullopt;
     const char32_t unit = c - kShieldBase;
-    if (!IsShieldable(unit)) return std::nullopt;
+    const bool blank = unit == u'\t' || unit == u'\n' || unit == u'\r';
+    if (!(options.illegal && IsShieldable(unit)) && !(options.blankReferences && blank)) return std::nullopt;
     return static_cast<char16_t>(unit);
 }
 
-std::string ToShieldedUtf8(std::u16string_view text) {
+std::string ToShieldedUtf8(std::u16string_view text, ShieldOptions options) {
+    const bool illegal = options.illegal;
     std::string out(text.size() * 4, '\0');  // a shielded code unit takes four bytes, nothing takes more
     char* p = out.data();
     std::size_t quietUntil = 0;  // end of a CDATA section, comment or processing instruction
@@ -89,7 +91,7 @@ std::string ToShieldedUtf8(std::u16string_view text) {
         while (i < n && units[i] < 0x80 && kPlainAscii[units[i]]) *p++ = static_cast<char>(units[i++]);
         if (i == n) break;
         const char16_t c = units[i];
-        if (c < 0x80 && c != u'<' && c != u'&' && !IsShieldable(c)) {
+        if (c < 0x80 && c != u'<' && c != u'&' && !(illegal && IsShieldable(c))) {
             *p++ = static_cast<char>(c);
             continue;
         }
@@ -110,17 +112,29 @@ std::string ToShieldedUtf8(std::u16string_view text) {
         } else if (c == u'&' && i >= quietUntil && i + 1 < text.size() && text[i + 1] == u'#') {
             std::size_t length = 0;
             char32_t value = 0;
-            if (CharacterReference(text, i, length, value) && value <= 0xFFFF && IsShieldable(value)) {
-                p = PutUtf8(p, kShieldBase + value);
-                i += length - 1;
-                continue;
+            if (CharacterReference(text, i, length, value)) {
+                const bool blank = value == u'\t' || value == u'\n' || value == u'\r';
+                if ((illegal && value <= 0xFFFF && IsShieldable(value)) || (options.blankReferences && blank)) {
+                    p = PutUtf8(p, kShieldBase + value);
+                    i += length - 1;
+                    continue;
+                }
+                if (options.blankReferences && value > 0xFFFF && value <= 0x10FFFF) {
+                    p = PutUtf8(p, value);
+                    i += length - 1;
+                    continue;
+                }
             }
         } else if (IsHigh(c) && i + 1 < text.size() && IsLow(text[i + 1])) {
             p = PutUtf8(p, 0x10000 + ((c - 0xD800) << 10) + (text[i + 1] - 0xDC00));
             ++i;
             continue;
         }
-        p = PutUtf8(p, IsShieldable(c) ? kShieldBase + c : c);
+        if (illegal && IsShieldable(c)) {
+            p = PutUtf8(p, kShieldBase + c);
+        } else {
+            p = PutUtf8(p, c >= 0xD800 && c <= 0xDFFF ? 0xFFFD : c);
+        }
     }
     out.resize(static_cast<std::size_t>(p - out.data()));
     return out;

@@ -33,9 +33,19 @@ inline bool IsXmlChar(std::u16string_view text, std::size_t i) {
 // characters other than NUL, tab, line feed and carriage return, surrogates, U+FFFE and U+FFFF.
 bool IsShieldable(char32_t c);
 
-// The document in UTF-8 with every illegal character shielded: raw ones anywhere, and character
-// references to them outside CDATA sections, comments and processing instructions.
-std::string ToShieldedUtf8(std::u16string_view document);
+struct ShieldOptions {
+    // Illegal characters: raw ones anywhere, and character references to them outside CDATA
+    // sections, comments and processing instructions. Without it, raw unpaired surrogates become
+    // U+FFFD (as AppendUtf8 writes them) and the parser judges the rest.
+    bool illegal = true;
+    // References to tab, line feed and carriage return are shielded too, and references beyond
+    // U+FFFF written as the character itself: for a parser that reads the former as spaces and
+    // cuts the latter (Wine's XmlLite does both).
+    bool blankReferences = false;
+};
+
+// The document in UTF-8 with the characters the options name shielded.
+std::string ToShieldedUtf8(std::u16string_view document, ShieldOptions options = {});
 
 // UTF-16 to UTF-8 and back, as ToUtf8 and FromUtf8 (core/text.h) convert, only faster on the
 // mostly-ASCII text of documents: unpaired surrogates become U+FFFD in UTF-8; invalid UTF-8
@@ -43,7 +53,8 @@ std::string ToShieldedUtf8(std::u16string_view document);
 void AppendUtf8(std::string& out, std::u16string_view text);
 std::u16string Utf8ToUtf16(std::string_view utf8);
 
-// The code unit a shielded code point stands for, or nothing when it stands for none.
-std::optional<char16_t> Unshield(char32_t c);
+// The code unit a shielded code point stands for, or nothing when it stands for none under the
+// options the document was shielded with.
+std::optional<char16_t> Unshield(char32_t c, ShieldOptions options = {});
 
 }  // namespace qm::xml

@@ -106,7 +106,11 @@ public:
         static const bool initialized = (xmlInitParser(), true);
         (void)initialized;
         RefuseUnreadable(text);
-        utf8_ = ParserInput(text, unshield_);
+        if (unshield_) {
+            utf8_ = ToShieldedUtf8(text);
+        } else {
+            AppendUtf8(utf8_, text);
+        }
         // No entity substitution, no DTD loading, no network. HUGE lifts libxml2's own nesting cap
         // of 256 (too low for a deep expression); Read applies kMaxElementDepth instead.
         const int parseOptions = XML_PARSE_NONET | XML_PARSE_HUGE | XML_PARSE_IGNORE_ENC | XML_PARSE_NOXINCNODE;

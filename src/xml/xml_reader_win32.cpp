@@ -1,8 +1,9 @@
 // The pull reader over XmlLite. XmlLite has no import library for this toolchain, so xmllite.dll is
 // loaded when the first reader is made. The document is handed over as UTF-8 with the encoding
-// forced, the declaration's own label ignored, exactly as the other platforms' reader sees it; what
-// XmlLite reports differently (its own declaration node, blanks outside the root element) is
-// evened out here so that every platform reports the same nodes.
+// forced, the declaration's own label ignored, as the other platforms' reader sees it. What XmlLite
+// reports differently (its own declaration node, blanks outside the root element) is evened out
+// here so that every platform reports the same nodes; references to blanks and beyond U+FFFF are
+// shielded before parsing (xml_chars.h), so that no XmlLite (Wine's included) can alter them.
 #include <windows.h>
 #include <objidl.h>
 #include <shlwapi.h>
@@ -126,13 +127,14 @@ std::u16string ErrorText(HRESULT hr) {
 class XmlLiteReader final : public XmlReader {
 public:
     XmlLiteReader(std::u16string_view text, const ReaderOptions& options)
-        : declared_(StartsWithDeclaration(text)), unshield_(options.acceptIllegalCharacters) {
+        : declared_(StartsWithDeclaration(text)),
+          shield_{.illegal = options.acceptIllegalCharacters, .blankReferences = true} {
         RefuseUnreadable(text);
         const XmlLite& lite = LoadXmlLite();
         if (lite.createReader == nullptr || lite.createInput == nullptr) {
             throw XmlError(std::u16string(msg::kXmlLiteUnavailable), 0, 0);
         }
-        const std::string utf8 = ParserInput(text, unshield_);
+        const std::string utf8 = ToShieldedUtf8(text, shield_);
         Com<IStream> stream;
         *stream.out() = ::SHCreateMemStream(reinterpret_cast<const BYTE*>(utf8.data()), static_cast<UINT>(utf8.size()));
         Com<IUnknown> input;
@@ -178,7 +180,6 @@ public:
             break;
         }
         line_ = Position(&IXmlReader::GetLineNumber);
-        column_ = Position(&IXmlReader::GetLinePosition);
         if (type_ == NodeType::DocumentType) throw XmlError(std::u16string(msg::kDtdProhibited), line_, 0);
         if (type_ == NodeType::Element && Depth() >= kMaxElementDepth) {
             throw XmlError(FormatMessage(msg::kNestedTooDeeply, {Ascii(std::to_string(kMaxElementDepth))}), line_, 0);
@@ -197,13 +198,12 @@ public:
 
     std::u16string_view value() const override {
         const std::u16string_view raw = Text(&IXmlReader::GetValue);
-        if (!unshield_) return raw;
         value_.clear();
         for (std::size_t i = 0; i < raw.size(); ++i) {
             const char16_t c = raw[i];
             if (c >= 0xD800 && c <= 0xDBFF && i + 1 < raw.size() && raw[i + 1] >= 0xDC00 && raw[i + 1] <= 0xDFFF) {
                 const char32_t point = 0x10000 + ((static_cast<char32_t>(c) - 0xD800) << 10) + (raw[i + 1] - 0xDC00);
-                if (const auto unit = Unshield(point)) {
+                if (const auto unit = Unshield(point, shield_)) {
                     value_ += *unit;
                     ++i;
                     continue;
@@ -233,13 +233,14 @@ public:
         onAttribute_ = false;
     }
 
-    // Of the node's start, also while on one of its attributes.
+    // Of the node's start, also while on one of its attributes. Like every platform's reader, the
+    // column of a node is not told (0); only the reader's own errors carry one.
     int line() const override { return type_ == NodeType::XmlDeclaration ? 1 : line_; }
-    int column() const override { return type_ == NodeType::XmlDeclaration ? 1 : column_; }
+    int column() const override { return type_ == NodeType::XmlDeclaration ? 1 : 0; }
 
 private:
     bool Moved(HRESULT hr) {
-        if (FAILED(hr)) throw XmlError(ErrorText(hr), line_, column_);
+        if (FAILED(hr)) throw XmlError(ErrorText(hr), line_, 0);
         // After the last attribute the reader stays on it: only a move makes it leave.
         if (hr == S_OK) onAttribute_ = true;
         return hr == S_OK;
@@ -267,11 +268,10 @@ private:
 
     IXmlReader* reader_ = nullptr;
     bool declared_;
-    bool unshield_;
+    ShieldOptions shield_;
     bool onAttribute_ = false;
     NodeType type_ = NodeType::None;
     int line_ = 0;
-    int column_ = 0;
     mutable std::u16string value_;
 };
 

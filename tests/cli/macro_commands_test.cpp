@@ -6,6 +6,7 @@
 
 #include "cli_test_util.h"
 #include "core/text.h"
+#include "macros/load_counter.h"
 #include "xml/file_io.h"
 
 namespace qm::cli::testing {
@@ -34,6 +35,9 @@ protected:
         home = root / ::testing::UnitTest::GetInstance()->current_test_info()->name();
         fs::remove_all(home);
         SetHome(home.string());
+#ifdef _WIN32
+        macros::MakeLoadCounter(home)->Write(0);  // one registry value for every home there
+#endif
     }
     void TearDown() override { SetHome(saved_); }
 
@@ -87,7 +91,7 @@ TEST_F(MacroCommands, ImportListShowExportRemove) {
     EXPECT_EQ(RunTool({"macros", "list"}).out, "");
     EXPECT_EQ(RunTool({"macros", "import", exported}).code, 0);
     EXPECT_EQ(RunTool({"macros", "list"}).out, "m1\tSort pages\tPages\n");
-    EXPECT_EQ(io::ReadFileBytes(home / "LoadState"), "3");  // one save per change
+    EXPECT_EQ(macros::MakeLoadCounter(home)->Read(), 3u);  // one save per change
 }
 
 TEST_F(MacroCommands, ImportingAListReplacesByIdAndGivesNewIds) {
@@ -154,7 +158,7 @@ TEST_F(MacroCommands, UnreadableListStopsEveryCommandAndStaysAsItIs) {
                                    "can be read.\r\n" + readError);
     EXPECT_EQ(RunTool({"macros", "logging", "on"}).code, 1);
     EXPECT_EQ(io::ReadFileBytes(file), broken);
-    EXPECT_FALSE(fs::exists(home / "LoadState"));
+    EXPECT_EQ(macros::MakeLoadCounter(home)->Read(), 0u);
 }
 
 TEST_F(XmlRoundTrip, ReadsAnyEncodingAndWritesUtf8) {

@@ -4,10 +4,17 @@
 
 #include "store_test_util.h"
 
+#ifdef _WIN32
+#include <windows.h>
+#endif
+
 namespace qm::macros::testing {
 namespace {
 
 TEST(LoadCounterFile, TextThatIsNotACounterReadsAsZeroAndIsReplaced) {
+#ifdef _WIN32
+    GTEST_SKIP() << "Windows keeps the counter in the registry, not in a file";
+#endif
     struct Case {
         const char* text;  // null: no file
         std::uint32_t value;
@@ -31,6 +38,27 @@ TEST(LoadCounterFile, TextThatIsNotACounterReadsAsZeroAndIsReplaced) {
         }
     }
 }
+
+#ifdef _WIN32
+// A value of another type, or none, reads as 0 and is (re)made REG_DWORD 0.
+TEST(LoadCounterRegistry, ValueOfAnotherTypeOrNoneReadsAsZeroAndBecomesADword) {
+    const wchar_t* key = L"Software\\Microsoft\\Office\\OneNote\\AddIns\\Quillmark.Addin";
+    for (const bool asText : {true, false}) {
+        SCOPED_TRACE(asText ? "text" : "missing");
+        const fs::path folder = ScratchFolder();
+        if (asText) {
+            ASSERT_EQ(::RegSetKeyValueW(HKEY_CURRENT_USER, key, L"LoadState", REG_SZ, L"7", 4), ERROR_SUCCESS);
+        } else {
+            ::RegDeleteKeyValueW(HKEY_CURRENT_USER, key, L"LoadState");
+        }
+        EXPECT_EQ(MakeLoadCounter(folder)->Read(), 0u);
+        DWORD type = 0, data = 1, size = sizeof data;
+        ASSERT_EQ(::RegGetValueW(HKEY_CURRENT_USER, key, L"LoadState", RRF_RT_ANY, &type, &data, &size), ERROR_SUCCESS);
+        EXPECT_EQ(type, static_cast<DWORD>(REG_DWORD));
+        EXPECT_EQ(data, 0u);
+    }
+}
+#endif
 
 // Whichever of the two was reset, the larger wins; the counter stops at the top of the range.
 TEST(StoreCounter, LargerOfStoredCounterAndListWins) {

@@ -48,7 +48,7 @@ TEST(StoreFiles, NothingIsWrittenBeforeTheFirstChangeThenTheExactText) {
         u"publishDate=\"00-00-00T00:00:00.000Z\" />\r\n"
         u"</Macros>";
     EXPECT_EQ(Bytes(folder / "macros2.xml"), io::EncodeUtf16Le(expected));  // no byte order mark
-    EXPECT_EQ(Bytes(folder / "LoadState"), "2");
+    EXPECT_EQ(MakeLoadCounter(folder)->Read(), 2u);
 
     // The defaults the store chose are not written, and come back on reading.
     MacroStore again(folder);
@@ -156,7 +156,7 @@ TEST(StoreFiles, FailedSaveKeepsTheOldFileTheListAndTheCounter) {
     }
     EXPECT_EQ(Ids(store), Strings{u"a"});
     EXPECT_EQ(store.GetMacros().loadState.value, 1);
-    EXPECT_EQ(Bytes(folder / "LoadState"), "1");
+    EXPECT_EQ(MakeLoadCounter(folder)->Read(), 1u);
     fs::remove_all(file);
     fs::rename(folder / "aside.xml", file);
     const std::string saved = Bytes(file);

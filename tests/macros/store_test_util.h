@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "core/text.h"
+#include "macros/load_counter.h"
 #include "macros/macro_store.h"
 #include "xml/file_io.h"
 
@@ -30,6 +31,10 @@ inline fs::path ScratchFolder() {
     const fs::path base = home != nullptr && *home != '\0' ? fs::path(home) : fs::temp_directory_path() / "quillmark";
     const fs::path folder = base / "store" / name;
     fs::remove_all(folder);
+#ifdef _WIN32
+    // The counter is one registry value for every folder there: each test starts it at 0.
+    MakeLoadCounter(folder)->Write(0);
+#endif
     return folder;
 }
 

