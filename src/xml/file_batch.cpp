@@ -2,31 +2,14 @@
 
 #include <algorithm>
 #include <atomic>
-#include <chrono>
 #include <cstdio>
-#include <memory>
-#include <string>
-#include <system_error>
 #include <thread>
 
 #include "xml/file_io.h"
 
 namespace qm::io {
+
 namespace {
-
-struct FileCloser {
-    void operator()(std::FILE* f) const { std::fclose(f); }
-};
-using File = std::unique_ptr<std::FILE, FileCloser>;
-
-File Open(const std::filesystem::path& path, const char* mode) {
-#ifdef _WIN32
-    std::wstring wmode(mode, mode + std::char_traits<char>::length(mode));
-    return File(_wfopen(path.c_str(), wmode.c_str()));
-#else
-    return File(std::fopen(path.c_str(), mode));
-#endif
-}
 
 // Enough flushes in flight for the file system to commit them together.
 constexpr std::size_t kFlushers = 16;
@@ -34,29 +17,7 @@ constexpr std::size_t kFlushers = 16;
 }  // namespace
 
 void FileBatch::Replace(const std::filesystem::path& path, std::string_view bytes) {
-    static std::atomic<unsigned> counter{0};
-    const auto stamp = std::chrono::steady_clock::now().time_since_epoch().count();
-    std::filesystem::path temp = path;
-    temp += ".tmp" + std::to_string(stamp % 1000000007) + "-" + std::to_string(counter++);
-    {
-        File f = Open(temp, "wb");
-        if (!f) throw FileError(path, "cannot create a temporary file beside it");
-        bool ok = std::fwrite(bytes.data(), 1, bytes.size(), f.get()) == bytes.size();
-        ok = ok && std::fflush(f.get()) == 0 && !std::ferror(f.get());
-        if (std::fclose(f.release()) != 0) ok = false;
-        if (!ok) {
-            std::error_code ignored;
-            std::filesystem::remove(temp, ignored);
-            throw FileError(path, "cannot write the file (is the disk full?)");
-        }
-    }
-    std::error_code ec;
-    std::filesystem::rename(temp, path, ec);
-    if (ec) {
-        std::error_code ignored;
-        std::filesystem::remove(temp, ignored);
-        throw FileError(path, "cannot replace the file: " + ec.message());
-    }
+    WriteFileAtomically(path, bytes, false);
     unsynced_.push_back(path);
 }
 
@@ -67,9 +28,9 @@ void FileBatch::Sync() {
     std::atomic<std::size_t> failed{unsynced_.size()};
     auto flush = [&] {
         for (std::size_t i = next++; i < unsynced_.size(); i = next++) {
-            File f = Open(unsynced_[i], "rb+");
-            if (f && std::fflush(f.get()) == 0) {
-                SyncFile(f.get());
+            if (std::FILE* f = OpenFile(unsynced_[i], "rb+")) {
+                SyncFile(f);
+                std::fclose(f);
             } else {
                 failed = i;
             }
@@ -80,8 +41,9 @@ void FileBatch::Sync() {
     for (std::size_t i = 1; i < count; ++i) flushers.emplace_back(flush);
     flush();
     for (std::thread& t : flushers) t.join();
-    if (failed < unsynced_.size()) {
-        const std::filesystem::path path = unsynced_[failed];
+    const std::size_t failedAt = failed;
+    if (failedAt < unsynced_.size()) {
+        const std::filesystem::path path = unsynced_[failedAt];
         unsynced_.clear();
         throw FileError(path, "cannot flush the file to disk");
     }

@@ -52,7 +52,7 @@ std::string ReadFileBytes(const std::filesystem::path& path) {
     return bytes;
 }
 
-void WriteFileAtomically(const std::filesystem::path& path, std::string_view bytes) {
+void WriteFileAtomically(const std::filesystem::path& path, std::string_view bytes, bool flush) {
     static std::atomic<unsigned> counter{0};
     const auto stamp = std::chrono::steady_clock::now().time_since_epoch().count();
     std::filesystem::path temp = path;
@@ -62,7 +62,7 @@ void WriteFileAtomically(const std::filesystem::path& path, std::string_view byt
         if (!f) throw FileError(path, "cannot create a temporary file beside it");
         bool ok = std::fwrite(bytes.data(), 1, bytes.size(), f.get()) == bytes.size();
         ok = ok && std::fflush(f.get()) == 0;
-        if (ok) SyncFile(f.get());
+        if (ok && flush) SyncFile(f.get());
         ok = ok && !std::ferror(f.get());
         if (std::fclose(f.release()) != 0) ok = false;
         if (!ok) {

@@ -23,9 +23,10 @@ private:
 // Throws FileError naming the file when it cannot be read.
 std::string ReadFileBytes(const std::filesystem::path& path);
 
-// Writes the bytes to a temporary file beside `path`, flushes it to disk and renames it over
-// `path`. Throws FileError; on failure the old file is untouched and no temporary is left.
-void WriteFileAtomically(const std::filesystem::path& path, std::string_view bytes);
+// Writes the bytes to a temporary file beside `path`, flushes it to disk (unless `flush` is false:
+// see FileBatch) and renames it over `path`. Throws FileError; on failure the old file is
+// untouched and no temporary is left.
+void WriteFileAtomically(const std::filesystem::path& path, std::string_view bytes, bool flush = true);
 
 // Decodes XML file bytes: UTF-16 LE or BE (with a byte order mark, or without one when the text
 // starts with '<'), or UTF-8 with or without a byte order mark. The mark is not part of the text.
