@@ -51,7 +51,7 @@ struct ElementAllocator {
         if (pool::Owns(p)) {
             pool::GiveBack(p);
         } else {
-            ::operator delete(p, n * sizeof(T));
+            ::operator delete(p);
         }
     }
     template <class U>
