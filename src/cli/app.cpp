@@ -19,6 +19,7 @@ int Run(int argc, char** argv, std::ostream& out, std::ostream& err) {
     RegisterRunCommands(app, context);
     RegisterTextFormCommands(app, context);
     RegisterNotebookCommands(app, context);
+    RegisterRegistrationCommands(app, context);
 
     try {
         app.parse(argc, argv);

@@ -42,5 +42,7 @@ void RegisterMacroCommands(CLI::App& app, CommandContext& context);       // mac
 void RegisterRunCommands(CLI::App& app, CommandContext& context);         // run, functions
 void RegisterTextFormCommands(CLI::App& app, CommandContext& context);    // convert, check
 void RegisterNotebookCommands(CLI::App& app, CommandContext& context);    // notebook ...
+// register, unregister: the OneNote add-in's registration (Windows; elsewhere no commands).
+void RegisterRegistrationCommands(CLI::App& app, CommandContext& context);
 
 }  // namespace qm::cli
