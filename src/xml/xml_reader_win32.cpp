@@ -141,18 +141,16 @@ public:
         // No DTD (the default, said anyway), no resolver (nothing is fetched) and no depth cap of
         // XmlLite's own (256 by default, too low for a deep expression): Read applies
         // kMaxElementDepth instead.
-        if (stream.get() == nullptr || FAILED(lite.createReader(__uuidof(IXmlReader), reinterpret_cast<void**>(&reader_), nullptr)) ||
+        if (stream.get() == nullptr ||
+            FAILED(lite.createReader(__uuidof(IXmlReader), reinterpret_cast<void**>(reader_.out()), nullptr)) ||
             FAILED(lite.createInput(stream.get(), nullptr, L"utf-8", FALSE, nullptr, input.out())) ||
             FAILED(reader_->SetProperty(XmlReaderProperty_DtdProcessing, DtdProcessing_Prohibit)) ||
             FAILED(reader_->SetProperty(XmlReaderProperty_XmlResolver, 0)) ||
             FAILED(reader_->SetProperty(XmlReaderProperty_MaxElementDepth, 0)) ||
             FAILED(reader_->SetInput(input.get()))) {
-            if (reader_ != nullptr) reader_->Release();
             throw XmlError(std::u16string(msg::kReaderFailed), 0, 0);
         }
     }
-
-    ~XmlLiteReader() override { reader_->Release(); }
 
     XmlLiteReader(const XmlLiteReader&) = delete;
     XmlLiteReader& operator=(const XmlLiteReader&) = delete;
@@ -167,7 +165,10 @@ public:
         for (;;) {
             XmlNodeType raw = XmlNodeType_None;
             const HRESULT hr = reader_->Read(&raw);
-            if (FAILED(hr)) throw XmlError(ErrorText(hr), Position(&IXmlReader::GetLineNumber), Position(&IXmlReader::GetLinePosition));
+            if (FAILED(hr)) {
+                throw XmlError(ErrorText(hr), Position(&IXmlReader::GetLineNumber),
+                               Position(&IXmlReader::GetLinePosition));
+            }
             if (hr == S_FALSE) {
                 type_ = NodeType::None;
                 return false;
@@ -254,7 +255,7 @@ private:
 
     int Position(HRESULT (STDMETHODCALLTYPE IXmlReader::*get)(UINT*)) const {
         UINT n = 0;
-        return SUCCEEDED((reader_->*get)(&n)) ? static_cast<int>(n) : 0;
+        return SUCCEEDED((reader_.get()->*get)(&n)) ? static_cast<int>(n) : 0;
     }
 
     // XmlLite's texts live until the reader moves; wchar_t is UTF-16 here.
@@ -262,11 +263,11 @@ private:
         if (type_ == NodeType::XmlDeclaration || type_ == NodeType::None) return {};
         LPCWSTR text = nullptr;
         UINT length = 0;
-        if (FAILED((reader_->*get)(&text, &length)) || text == nullptr) return {};
+        if (FAILED((reader_.get()->*get)(&text, &length)) || text == nullptr) return {};
         return {reinterpret_cast<const char16_t*>(text), length};
     }
 
-    IXmlReader* reader_ = nullptr;
+    Com<IXmlReader> reader_;
     bool declared_;
     ShieldOptions shield_;
     bool onAttribute_ = false;
