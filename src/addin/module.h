@@ -11,6 +11,5 @@ enum class AddinKind { InProc, OutProc };
 
 void ObjectCreated() noexcept;
 void ObjectReleased() noexcept;
-long LiveObjects() noexcept;
 
 }  // namespace qm::addin

@@ -120,8 +120,6 @@ void ObjectReleased() noexcept {
     }
 }
 
-long LiveObjects() noexcept { return liveObjects.load(); }
-
 }  // namespace qm::addin
 
 // The class object for a class identifier; the interface identifier is left to the object's own

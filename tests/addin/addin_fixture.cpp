@@ -108,6 +108,106 @@ HRESULT FakeRibbon::Call(DISPID id, WORD, const std::vector<VARIANT*>& arguments
     return S_OK;
 }
 
+// IApplication's methods as IDispatch calls with the arguments in their own order.
+class FakeOneNote::Direct final : public IOneNoteApplication {
+public:
+    explicit Direct(FakeOneNote& owner) : owner_(owner) { owner_.AddRef(); }
+    virtual ~Direct() { owner_.Release(); }
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
+        return owner_.QueryInterface(iid, object);
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
+    ULONG STDMETHODCALLTYPE Release() override {
+        const ULONG left = --references_;
+        if (left == 0) delete this;
+        return left;
+    }
+    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override { return owner_.GetTypeInfoCount(count); }
+    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*, UINT*) override {
+        return E_NOTIMPL;
+    }
+
+    HRESULT STDMETHODCALLTYPE GetHierarchy(BSTR start, int scope, BSTR* xml, int schema) override {
+        return Forward(OneNoteMethod::GetHierarchy, {Str(start), Int(scope), OutStr(xml), Int(schema)});
+    }
+    HRESULT STDMETHODCALLTYPE UpdateHierarchy(BSTR changes, int schema) override {
+        return Forward(OneNoteMethod::UpdateHierarchy, {Str(changes), Int(schema)});
+    }
+    HRESULT STDMETHODCALLTYPE CreateNewPage(BSTR section, BSTR* page, int style) override {
+        return Forward(OneNoteMethod::CreateNewPage, {Str(section), OutStr(page), Int(style)});
+    }
+    HRESULT STDMETHODCALLTYPE GetHierarchyParent(BSTR object, BSTR* parent) override {
+        return Forward(OneNoteMethod::GetHierarchyParent, {Str(object), OutStr(parent)});
+    }
+    HRESULT STDMETHODCALLTYPE GetPageContent(BSTR page, BSTR* xml, int info, int schema) override {
+        return Forward(OneNoteMethod::GetPageContent, {Str(page), OutStr(xml), Int(info), Int(schema)});
+    }
+    HRESULT STDMETHODCALLTYPE UpdatePageContent(BSTR xml, DATE expected, int schema, VARIANT_BOOL force) override {
+        VARIANT date = Int(0), flag = Int(0);
+        date.vt = VT_DATE;
+        date.date = expected;
+        flag.vt = VT_BOOL;
+        flag.boolVal = force;
+        return Forward(OneNoteMethod::UpdatePageContent, {Str(xml), date, Int(schema), flag});
+    }
+    HRESULT STDMETHODCALLTYPE GetHyperlinkToObject(BSTR node, BSTR object, BSTR* link) override {
+        return Forward(OneNoteMethod::GetHyperlinkToObject, {Str(node), Str(object), OutStr(link)});
+    }
+    // Never called by the add-in.
+    HRESULT STDMETHODCALLTYPE OpenHierarchy_() override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE DeleteHierarchy_() override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE CloseNotebook_() override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetBinaryPageContent_() override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE DeletePageContent_() override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE NavigateTo_() override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE NavigateToUrl_() override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Publish_() override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE OpenPackage_() override { return E_NOTIMPL; }
+
+private:
+    static VARIANT Str(BSTR text) {
+        VARIANT v;
+        VariantInit(&v);
+        v.vt = VT_BSTR;
+        v.bstrVal = text;
+        return v;
+    }
+    static VARIANT Int(int number) {
+        VARIANT v;
+        VariantInit(&v);
+        v.vt = VT_I4;
+        v.lVal = number;
+        return v;
+    }
+    static VARIANT OutStr(BSTR* out) {
+        VARIANT v;
+        VariantInit(&v);
+        v.vt = VT_BYREF | VT_BSTR;
+        v.pbstrVal = out;
+        return v;
+    }
+    HRESULT Forward(OneNoteMethod method, std::vector<VARIANT> arguments) {
+        ++owner_.directCalls;
+        std::vector<VARIANT*> pointers;
+        for (VARIANT& argument : arguments) pointers.push_back(&argument);
+        return owner_.Call(OneNoteDispId(method), DISPATCH_METHOD, pointers, nullptr);
+    }
+
+    FakeOneNote& owner_;
+    std::atomic<ULONG> references_{1};
+};
+
+HRESULT FakeOneNote::QueryInterface(REFIID iid, void** object) {
+    if (direct_ && iid == kIID_IApplication) {
+        *object = static_cast<IOneNoteApplication*>(new Direct(*this));
+        return S_OK;
+    }
+    return FakeDispatch::QueryInterface(iid, object);
+}
+
 HRESULT FakeOneNote::Call(DISPID id, WORD flags, const std::vector<VARIANT*>& a, VARIANT*) {
     ++calls;
     if (busyAnswers > 0) {
@@ -202,7 +302,9 @@ ComPtr<IDispatch> AddinTest::NewAddin() const {
                                                   reinterpret_cast<void**>(factory.Out())),
               S_OK);
     ComPtr<IDispatch> addin;
-    if (factory) EXPECT_EQ(factory->CreateInstance(nullptr, IID_IDispatch, reinterpret_cast<void**>(addin.Out())), S_OK);
+    if (factory) {
+        EXPECT_EQ(factory->CreateInstance(nullptr, IID_IDispatch, reinterpret_cast<void**>(addin.Out())), S_OK);
+    }
     return addin;
 }
 

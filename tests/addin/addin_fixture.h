@@ -75,22 +75,29 @@ protected:
     HRESULT Call(DISPID id, WORD flags, const std::vector<VARIANT*>& arguments, VARIANT* result) override;
 };
 
-// OneNote's Application, through IDispatch alone, serving a notebook folder with OneNote's
-// dispatch identifiers; every page written is kept, and the time spent writing.
+// OneNote's Application serving a notebook folder: through IDispatch with OneNote's dispatch
+// identifiers, and, when `direct`, through IApplication as well (calls there are forwarded to the
+// same code). Every page written is kept, and the time spent writing.
 class FakeOneNote final : public FakeDispatch {
 public:
-    explicit FakeOneNote(const std::filesystem::path& folder) : folder_(folder) {}
+    FakeOneNote(const std::filesystem::path& folder, bool direct) : folder_(folder), direct_(direct) {}
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override;
 
     std::vector<std::u16string> updatedPages;
     double updateSeconds = 0;
     int busyAnswers = 0;  // this many calls are refused as busy first
     int calls = 0;
+    int directCalls = 0;  // of them, through IApplication
 
 protected:
     HRESULT Call(DISPID id, WORD flags, const std::vector<VARIANT*>& arguments, VARIANT* result) override;
 
 private:
+    class Direct;
+    friend class Direct;
     onenote::NotebookFolder folder_;
+    bool direct_;
 };
 
 // Calls a callback by name through IDispatch as Office does: the arguments given first to last.

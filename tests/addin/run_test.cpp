@@ -40,10 +40,12 @@ VARIANT Bool(bool value) {
 class ConnectedTest : public AddinTest {
 protected:
     // Connects a new add-in to a stand-in OneNote serving a copy of `notebook`, and hands it a ribbon.
-    void Connect(const fs::path& notebook = fs::path(QUILLMARK_SOURCE_DIR) / "examples" / "notebook") {
+    // With `direct`, OneNote's Application gives IApplication as well as IDispatch.
+    void Connect(const fs::path& notebook = fs::path(QUILLMARK_SOURCE_DIR) / "examples" / "notebook",
+                 bool direct = false) {
         const fs::path copy = home() / "notebook";
         fs::copy(notebook, copy, fs::copy_options::recursive);
-        onenote_ = ComPtr<FakeOneNote>::Adopt(new FakeOneNote(copy));
+        onenote_ = ComPtr<FakeOneNote>::Adopt(new FakeOneNote(copy, direct));
         ribbon_ = ComPtr<FakeRibbon>::Adopt(new FakeRibbon());
         addin_ = NewAddin();
         ASSERT_TRUE(addin_);
@@ -53,7 +55,9 @@ protected:
     }
 
     void TearDown() override {
-        if (addin_) EXPECT_EQ(addin_.As<IDTExtensibility2>(kIID_IDTExtensibility2)->OnDisconnection(0, nullptr), S_OK);
+        if (addin_) {
+            EXPECT_EQ(addin_.As<IDTExtensibility2>(kIID_IDTExtensibility2)->OnDisconnection(0, nullptr), S_OK);
+        }
     }
 
     // A callback with the ribbon control carrying `tag`, then the further arguments.
@@ -86,9 +90,12 @@ protected:
     ComPtr<IDispatch> addin_;
 };
 
-TEST_F(ConnectedTest, OnMacroRunsTheStoredMacroAndWritesThePageBack) {
+class OnMacroTest : public ConnectedTest, public ::testing::WithParamInterface<bool> {};
+
+TEST_P(OnMacroTest, RunsTheStoredMacroAndWritesThePageBack) {
+    const bool direct = GetParam();
     const std::u16string id = StoreMacro(kStampMacro);
-    Connect();
+    Connect(fs::path(QUILLMARK_SOURCE_DIR) / "examples" / "notebook", direct);
     EXPECT_NE(HostLogText().find("Addin::OnConnection is called"), std::string::npos);
     onenote_->busyAnswers = 2;  // OneNote busy at first: asked again
 
@@ -99,11 +106,15 @@ TEST_F(ConnectedTest, OnMacroRunsTheStoredMacroAndWritesThePageBack) {
     EXPECT_NE(page.find(u"Stamped: "), std::u16string::npos);
     EXPECT_EQ(ribbon_->invalidated, std::vector<std::u16string>{u"Macros"});
     EXPECT_TRUE(Boxes().empty());
+    EXPECT_EQ(onenote_->directCalls > 0, direct);
+    EXPECT_EQ(onenote_->directCalls == onenote_->calls, direct);
 
     // An id that is not in the list does nothing.
     EXPECT_EQ(OnControl(u"OnMacro", u"{00000000-0000-0000-0000-000000000000}"), S_OK);
     EXPECT_EQ(onenote_->updatedPages.size(), 1u);
 }
+
+INSTANTIATE_TEST_SUITE_P(ThroughDispatchAndThroughIApplication, OnMacroTest, ::testing::Bool());
 
 TEST_F(ConnectedTest, FailingMacroShowsItsErrorAndWritesNothing) {
     const std::u16string id = StoreMacro(kFailingMacro);
