@@ -1,11 +1,11 @@
 #include "addin/addin.h"
 
-#include <atomic>
 #include <memory>
 #include <new>
 
 #include "addin/addin_session.h"
 #include "addin/callback_table.h"
+#include "addin/com_object.h"
 #include "addin/error_info.h"
 #include "addin/host_log.h"
 #include "addin/messages.h"
@@ -29,35 +29,18 @@ public:
     // --- IUnknown ---------------------------------------------------------------------------
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
-        if (!object) return E_POINTER;
-        // The interfaces the object answers, and the base each is handed out through.
-        struct Entry {
-            const IID& iid;
-            void* (*cast)(Addin*);
+        // IUnknown and IDispatch are handed out through IDTExtensibility2.
+        const InterfaceEntry interfaces[] = {
+            {&IID_IUnknown, static_cast<IDTExtensibility2*>(this)},
+            {&IID_IDispatch, static_cast<IDTExtensibility2*>(this)},
+            {&kIID_IDTExtensibility2, static_cast<IDTExtensibility2*>(this)},
+            {&kIID_IRibbonExtensibility, static_cast<IRibbonExtensibility*>(this)},
+            {&IID_ISupportErrorInfo, static_cast<ISupportErrorInfo*>(this)},
         };
-        static const Entry kInterfaces[] = {
-            {IID_IUnknown, [](Addin* a) -> void* { return static_cast<IDTExtensibility2*>(a); }},
-            {IID_IDispatch, [](Addin* a) -> void* { return static_cast<IDTExtensibility2*>(a); }},
-            {kIID_IDTExtensibility2, [](Addin* a) -> void* { return static_cast<IDTExtensibility2*>(a); }},
-            {kIID_IRibbonExtensibility, [](Addin* a) -> void* { return static_cast<IRibbonExtensibility*>(a); }},
-            {IID_ISupportErrorInfo, [](Addin* a) -> void* { return static_cast<ISupportErrorInfo*>(a); }},
-        };
-        for (const Entry& entry : kInterfaces) {
-            if (IsEqualIID(iid, entry.iid)) {
-                *object = entry.cast(this);
-                AddRef();
-                return S_OK;
-            }
-        }
-        *object = nullptr;
-        return E_NOINTERFACE;
+        return QueryFromTable(interfaces, iid, object);
     }
-    ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
-    ULONG STDMETHODCALLTYPE Release() override {
-        const ULONG left = --references_;
-        if (left == 0) delete this;
-        return left;
-    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return references_.Add(); }
+    ULONG STDMETHODCALLTYPE Release() override { return references_.Release(this); }
 
     // --- IDispatch: the ribbon's callbacks ----------------------------------------------------
 
@@ -148,7 +131,7 @@ public:
 private:
     // IDTExtensibility2 and IRibbonExtensibility both derive from IDispatch: the one set of
     // IUnknown and IDispatch methods above serves both.
-    std::atomic<ULONG> references_{1};
+    RefCount references_;
     std::unique_ptr<AddinSession> session_;
 };
 

@@ -1,11 +1,11 @@
 #include "addin/error_info.h"
 
-#include <atomic>
 #include <exception>
 #include <new>
 
 #include "addin/addin_ids.h"
 #include "addin/com_holders.h"
+#include "addin/com_object.h"
 #include "addin/host_log.h"
 #include "addin/messages.h"
 #include "core/error.h"
@@ -23,21 +23,11 @@ public:
     explicit ErrorInfo(std::u16string description) : description_(std::move(description)) {}
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
-        if (!object) return E_POINTER;
-        if (iid == IID_IUnknown || iid == IID_IErrorInfo) {
-            *object = static_cast<IErrorInfo*>(this);
-            AddRef();
-            return S_OK;
-        }
-        *object = nullptr;
-        return E_NOINTERFACE;
+        const InterfaceEntry interfaces[] = {{&IID_IUnknown, this}, {&IID_IErrorInfo, this}};
+        return QueryFromTable(interfaces, iid, object);
     }
-    ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
-    ULONG STDMETHODCALLTYPE Release() override {
-        const ULONG left = --references_;
-        if (left == 0) delete this;
-        return left;
-    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return references_.Add(); }
+    ULONG STDMETHODCALLTYPE Release() override { return references_.Release(this); }
     HRESULT STDMETHODCALLTYPE GetGUID(GUID* guid) override {
         if (!guid) return E_POINTER;
         *guid = GUID_NULL;
@@ -59,7 +49,7 @@ private:
         return *out || text.empty() ? S_OK : E_OUTOFMEMORY;
     }
 
-    std::atomic<ULONG> references_{1};
+    RefCount references_;
     std::u16string description_;
 };
 

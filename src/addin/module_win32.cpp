@@ -11,6 +11,7 @@
 #include "addin/addin.h"
 #include "addin/addin_ids.h"
 #include "addin/com_holders.h"
+#include "addin/com_object.h"
 #include "addin/error_info.h"
 #include "addin/host_log.h"
 #include "addin/messages.h"
@@ -41,21 +42,11 @@ public:
     ClassFactory& operator=(const ClassFactory&) = delete;
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
-        if (!object) return E_POINTER;
-        if (iid == IID_IUnknown || iid == IID_IClassFactory) {
-            *object = static_cast<IClassFactory*>(this);
-            AddRef();
-            return S_OK;
-        }
-        *object = nullptr;
-        return E_NOINTERFACE;
+        const InterfaceEntry interfaces[] = {{&IID_IUnknown, this}, {&IID_IClassFactory, this}};
+        return QueryFromTable(interfaces, iid, object);
     }
-    ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
-    ULONG STDMETHODCALLTYPE Release() override {
-        const ULONG left = --references_;
-        if (left == 0) delete this;
-        return left;
-    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return references_.Add(); }
+    ULONG STDMETHODCALLTYPE Release() override { return references_.Release(this); }
 
     HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID iid, void** object) override {
         return Guarded(u"IClassFactory::CreateInstance", [&]() -> HRESULT {
@@ -76,7 +67,7 @@ public:
     }
 
 private:
-    std::atomic<ULONG> references_{1};
+    RefCount references_;
 };
 
 class ClassFactory_Addin final : public ClassFactory<AddinKind::InProc> {};
