@@ -93,18 +93,19 @@ std::shared_ptr<R::group> HiddenToolsGroup() {
         button->visible = u"false";
         tools->controls.emplace_back(button);
     }
-    auto pinTo = DynamicMenu(u"Tool_PinTo", u"PinTo", Callback::GetPinToMenu);
-    pinTo->getSize.reset();
+    auto pinTo = std::make_shared<R::dynamicMenu>();
+    pinTo->id = u"Tool_PinTo";
     pinTo->getLabel = Name(Callback::GetPinToLabel);
-    pinTo->label.reset();
+    pinTo->getContent = Name(Callback::GetPinToMenu);
     pinTo->visible = u"false";
     tools->controls.emplace_back(pinTo);
     auto update = Button(u"Tool_Update", CallbackName(Callback::OnUpdate), Callback::OnUpdate);
     update->getVisible = Name(Callback::GetUpdateVisible);
     tools->controls.emplace_back(update);
-    auto licence = Button(u"Tool_GoPro", {}, Callback::OnGoPro);
-    licence->label.reset();
+    auto licence = std::make_shared<R::button>();
+    licence->id = u"Tool_GoPro";
     licence->getLabel = Name(Callback::GetGoProLabel);
+    licence->onAction = Name(Callback::OnGoPro);
     licence->visible = u"false";
     tools->controls.emplace_back(licence);
     return tools;
