@@ -54,7 +54,7 @@ TEST_F(NotebookCommands, ShowListsTheWorkingCopyMadeFromTheSampleOnFirstUse) {
               "      Page: Notes from 3 April  {7D4E2A10-91C3-4B5E-8F26-1A9C3E5B7D02}{1}"
               "{E19551348720312895214720176823459981024610302}\n"
               "    Page: Quarterly planning  {7D4E2A10-91C3-4B5E-8F26-1A9C3E5B7D02}{1}"
-              "{E19551348720312895214720176823459981024610303}\n  ");
+              "{E19551348720312895214720176823459981024610303} (unread)\n  ");
     EXPECT_NE(r.out.find("    Section: Archive 2023  {D1A7C645-2E8F-4B3A-9C5D-6F0E8A2B3C05}{1}{B0} (read-only)\n"),
               std::string::npos);
     EXPECT_EQ(io::ReadFileBytes(kSample / "hierarchy.xml"), sampleBefore);
