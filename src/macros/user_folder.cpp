@@ -1,13 +1,9 @@
 #include "macros/user_folder.h"
 
-#include <cstdlib>
-
 namespace qm {
 
 std::filesystem::path UserFolder() {
-    if (const char* home = std::getenv("QUILLMARK_HOME"); home != nullptr && *home != '\0') {
-        return std::filesystem::path(home);
-    }
+    if (std::filesystem::path home = platform::HomeOverride(); !home.empty()) return home;
     return platform::DefaultUserFolder();
 }
 

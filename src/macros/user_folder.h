@@ -14,6 +14,9 @@ std::filesystem::path UserFolder();
 std::filesystem::path EnsureUserFolder();
 
 namespace platform {
+// The folder QUILLMARK_HOME names, or an empty path when it is unset or empty. Read as the
+// platform's own text (wide on Windows), so that a folder name beyond ASCII survives.
+std::filesystem::path HomeOverride();
 // The platform's own answer when QUILLMARK_HOME is not set.
 std::filesystem::path DefaultUserFolder();
 }  // namespace platform

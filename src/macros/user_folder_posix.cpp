@@ -4,6 +4,11 @@
 
 namespace qm::platform {
 
+std::filesystem::path HomeOverride() {
+    const char* home = std::getenv("QUILLMARK_HOME");
+    return home != nullptr ? std::filesystem::path(home) : std::filesystem::path();
+}
+
 // $XDG_CONFIG_HOME/quillmark, by default ~/.config/quillmark.
 std::filesystem::path DefaultUserFolder() {
     if (const char* config = std::getenv("XDG_CONFIG_HOME"); config != nullptr && *config == '/') {

@@ -59,6 +59,11 @@ std::filesystem::path RoamingAppData() {
 
 }  // namespace
 
+std::filesystem::path HomeOverride() {
+    const wchar_t* home = ::_wgetenv(L"QUILLMARK_HOME");
+    return home != nullptr ? std::filesystem::path(home) : std::filesystem::path();
+}
+
 // Roaming application data + "\quillmark\" (%APPDATA% should the folder manager fail).
 std::filesystem::path DefaultUserFolder() {
     std::filesystem::path base = RoamingAppData();
