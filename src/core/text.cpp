@@ -1,4 +1,5 @@
 #include "core/text.h"
+#include "core/code_point.h"
 
 namespace qm {
 
@@ -30,13 +31,7 @@ std::u16string FromUtf8(std::string_view in) {
             ++i;
             continue;
         }
-        if (cp >= 0x10000) {
-            cp -= 0x10000;
-            out.push_back(static_cast<char16_t>(0xD800 + (cp >> 10)));
-            out.push_back(static_cast<char16_t>(0xDC00 + (cp & 0x3FF)));
-        } else {
-            out.push_back(static_cast<char16_t>(cp));
-        }
+        AppendCodePoint(out, cp);
         i += len;
     }
     return out;

@@ -1,4 +1,5 @@
 #include "onenote/fmt_quick_reader.h"
+#include "core/code_point.h"
 
 #include <optional>
 #include <string>
@@ -126,13 +127,7 @@ private:
                 if (value > 0x10FFFF) return false;
             }
             if (!IsReferable(value)) return false;
-            if (value >= 0x10000) {
-                value -= 0x10000;
-                out += static_cast<char16_t>(0xD800 + (value >> 10));
-                out += static_cast<char16_t>(0xDC00 + (value & 0x3FF));
-            } else {
-                out += static_cast<char16_t>(value);
-            }
+            AppendCodePoint(out, value);
         } else {
             return false;
         }

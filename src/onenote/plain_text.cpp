@@ -1,4 +1,5 @@
 #include "onenote/plain_text.h"
+#include "core/code_point.h"
 
 #include <cstdint>
 
@@ -46,13 +47,7 @@ bool DecodeEntity(std::u16string_view text, std::u16string& out, std::size_t& le
     }
     if (value == 0 || value > 0x10FFFF) return false;
     length = end + 1;
-    if (value >= 0x10000) {
-        value -= 0x10000;
-        out += static_cast<char16_t>(0xD800 + (value >> 10));
-        out += static_cast<char16_t>(0xDC00 + (value & 0x3FF));
-    } else {
-        out += static_cast<char16_t>(value);
-    }
+    AppendCodePoint(out, value);
     return true;
 }
 

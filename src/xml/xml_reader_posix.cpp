@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 
+#include "core/code_point.h"
 #include "core/format.h"
 #include "core/text.h"
 #include "xml/messages.h"
@@ -36,19 +37,13 @@ void AssignFromUtf8(std::u16string& out, const xmlChar* text, bool unshield = fa
         if (extra > 0) c &= 0x3F >> extra;
         ++p;
         for (; extra > 0 && *p != 0; --extra, ++p) c = (c << 6) | (*p & 0x3F);
-        if (c >= 0x10000) {
-            if (unshield) {
-                if (const auto unit = Unshield(c)) {
-                    out += *unit;
-                    continue;
-                }
+        if (c >= 0x10000 && unshield) {
+            if (const auto unit = Unshield(c)) {
+                out += *unit;
+                continue;
             }
-            c -= 0x10000;
-            out += static_cast<char16_t>(0xD800 + (c >> 10));
-            out += static_cast<char16_t>(0xDC00 + (c & 0x3FF));
-        } else {
-            out += static_cast<char16_t>(c);
         }
+        AppendCodePoint(out, c);
     }
 }
 
