@@ -19,8 +19,6 @@
 //       Without NAME one line per built-in function (signature and return type); with NAME its
 //       whole reference: signature, return type, description and parameters.
 #include <CLI/CLI.hpp>
-#include <algorithm>
-#include <cctype>
 #include <filesystem>
 #include <iostream>
 #include <map>
@@ -31,6 +29,8 @@
 #include <vector>
 
 #include "cli/command.h"
+#include "cli/macro_file.h"
+#include "cli/messages.h"
 #include "core/format.h"
 #include "core/messages.h"
 #include "core/text.h"
@@ -48,21 +48,9 @@
 #include "ui/terminal.h"
 #include "ui/terminal_ui.h"
 #include "xml/file_io.h"
-#include "xml/xml_error.h"
 
 namespace qm::cli {
 namespace {
-
-// The texts of these commands.
-constexpr std::u16string_view kSeveralMacros = u"[1] holds [2] macros: choose one with --macro ID|NAME";
-constexpr std::u16string_view kNoMacro = u"[1] holds no macro";
-constexpr std::u16string_view kListEntry = u"  [1]\t[2]";
-constexpr std::u16string_view kNotInStore = u"[1] (in [2])";
-constexpr std::u16string_view kBadAnswer = u"--answer expects NAME=VALUE, not '[1]'";
-constexpr std::u16string_view kVariableLine = u"$[1] = [2]";
-constexpr std::u16string_view kSignature = u"[1]([2]) -> [3]";
-constexpr std::u16string_view kParameterLine = u"  [1] ([2]): [3]";
-constexpr std::u16string_view kParametersHeading = u"Parameters:";
 
 struct RunCommandOptions {
     std::string macro;
@@ -74,76 +62,31 @@ struct RunCommandOptions {
     std::optional<std::string> notebook;
 };
 
-// A failure already worded for the user, with the exit code it ends the command with.
-struct CommandFailure {
-    std::u16string text;
-    int code = kExitError;
-};
-
-// The macro to run, and the list it came from (which owns it).
+// The macro to run, and the file it came from (which keeps its list and text form alive).
 struct MacroToRun {
-    std::shared_ptr<M2::Macros> list;
+    std::optional<MacroFile> file;
     std::shared_ptr<M2::Macro> macro;
 };
 
-std::string Extension(const std::string& file) {
-    std::string extension = PathArg(file).extension().string();
-    std::transform(extension.begin(), extension.end(), extension.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return extension;
-}
-
-// The macro --macro names in a list: the one with that id, else the first with that name; the
-// only one when there is no --macro.
-std::shared_ptr<M2::Macro> Pick(const M2::Macros& list, const std::string& file,
-                                const std::optional<std::string>& selector) {
-    const std::u16string fileName = FromUtf8(file);
-    if (selector) {
-        const std::u16string wanted = FromUtf8(*selector);
-        for (const auto& macro : list.macros) {
-            if (macro->id.value == wanted) return macro;
-        }
-        for (const auto& macro : list.macros) {
-            if (macro->name == wanted) return macro;
-        }
-        throw CommandFailure{fileName + u": " + FormatMessage(macros::msg::kMacroNotFound, {wanted})};
-    }
-    if (list.macros.size() == 1) return list.macros[0];
-    if (list.macros.empty()) throw CommandFailure{FormatMessage(kNoMacro, {fileName})};
-    std::u16string text =
-        FormatMessage(kSeveralMacros, {fileName, IntegerText(static_cast<std::int64_t>(list.macros.size()))});
-    for (const auto& macro : list.macros) text += u"\n" + FormatMessage(kListEntry, {*macro->id, macro->name});
-    throw CommandFailure{std::move(text), kExitUsage};
-}
-
-MacroToRun LoadFile(const std::string& file, bool textForm, const std::optional<std::string>& selector) {
-    const std::u16string text = io::DecodeXmlBytes(io::ReadFileBytes(PathArg(file)));
-    if (textForm) {
+MacroToRun LoadFile(const std::string& name, MacroFormat format, const std::optional<std::string>& selector) {
+    MacroToRun loaded{LoadMacroFile(name, format), nullptr};
+    loaded.macro = SingleMacro(*loaded.file, selector).macro;
+    if (format == MacroFormat::Text && loaded.macro->name.empty()) {
         // A text without "#name" is named after its file, for the progress line, log and boxes.
-        std::shared_ptr<M2::Macro> macro = M2::ReadTextForm(text, file);
-        if (macro->name.empty()) {
-            const std::u8string stem = PathArg(file).stem().u8string();
-            macro->name = FromUtf8(std::string(stem.begin(), stem.end()));
-        }
-        return {nullptr, macro};
+        const std::u8string stem = PathArg(name).stem().u8string();
+        loaded.macro->name = FromUtf8(std::string(stem.begin(), stem.end()));
     }
-    try {
-        macros::MacroDocument document = macros::ReadMacroDocument(text);
-        if (document.macro) return {nullptr, document.macro};
-        return {document.list, Pick(*document.list, file, selector)};
-    } catch (const xml::XmlError& e) {
-        throw CommandFailure{FromUtf8(file) + u": " + e.FullText()};
-    }
+    return loaded;
 }
 
 MacroToRun LoadFromStore(macros::MacroStore& store, const std::string& idOrName) {
     store.ReloadIfChanged();
     std::shared_ptr<M2::Macro> macro = store.Find(FromUtf8(idOrName));
     if (!macro) {
-        throw CommandFailure{FormatMessage(kNotInStore, {FormatMessage(macros::msg::kMacroNotFound, {FromUtf8(idOrName)}),
+        throw CommandFailure{FormatMessage(msg::kNotInStore, {FormatMessage(macros::msg::kMacroNotFound, {FromUtf8(idOrName)}),
                                                          macros::PathText(store.MacrosPath())})};
     }
-    return {nullptr, macro};
+    return {std::nullopt, macro};
 }
 
 // The macro list's logging setting; a list that does not read turns logging off.
@@ -160,7 +103,7 @@ std::map<std::u16string, std::u16string> ParseAnswers(const std::vector<std::str
     for (const std::string& answer : answers) {
         const std::size_t equals = answer.find('=');
         if (equals == std::string::npos || equals == 0) {
-            throw CommandFailure{FormatMessage(kBadAnswer, {FromUtf8(answer)}), kExitUsage};
+            throw CommandFailure{FormatMessage(msg::kBadAnswer, {FromUtf8(answer)}), kExitUsage};
         }
         parsed[FromUtf8(answer.substr(0, equals))] = FromUtf8(answer.substr(equals + 1));
     }
@@ -230,7 +173,7 @@ void PrintVariables(const MacroScope& scope, std::ostream& out) {
     const MacroArray& variables = scope.variables();
     for (std::size_t index : variables.KeyOrder()) {
         const MacroArray::Element& element = variables.elements()[index];
-        const std::string line = ToUtf8(FormatMessage(kVariableLine, {element.key, element.value->Describe()}));
+        const std::string line = ToUtf8(FormatMessage(msg::kVariableLine, {element.key, element.value->Describe()}));
         // Array descriptions break lines as the log does; the terminal takes plain line feeds.
         std::string text;
         text.reserve(line.size() + 1);
@@ -258,10 +201,9 @@ int RunMacroCommand(const RunCommandOptions& options, Io& io) {
     try {
         const std::map<std::u16string, std::u16string> answers = ParseAnswers(options.answers);
         macros::MacroStore store;
-        const std::string extension = Extension(options.macro);
-        MacroToRun loaded = extension == ".qm" || extension == ".xml"
-                                ? LoadFile(options.macro, extension == ".qm", options.select)
-                                : LoadFromStore(store, options.macro);
+        const std::optional<MacroFormat> format = MacroFormatOf(options.macro);
+        MacroToRun loaded = format ? LoadFile(options.macro, *format, options.select)
+                                   : LoadFromStore(store, options.macro);
 
         RunSettings settings;
         if (options.log) {
@@ -313,7 +255,7 @@ std::u16string Signature(const FunctionInfo& info) {
         if (!parameters.empty()) parameters += u", ";
         parameters += parameter.name;
     }
-    return FormatMessage(kSignature, {info.name, parameters, info.returnType});
+    return FormatMessage(msg::kSignature, {info.name, parameters, info.returnType});
 }
 
 int PrintFunctions(const std::optional<std::string>& name, Io& io) {
@@ -323,14 +265,14 @@ int PrintFunctions(const std::optional<std::string>& name, Io& io) {
     }
     const FunctionInfo* info = FindBuiltin(FromUtf8(*name));
     if (!info) {
-        io.err << ToUtf8(FormatMessage(msg::kUnknownFunction, {FromUtf8(*name)})) << "\n";
+        io.err << ToUtf8(FormatMessage(qm::msg::kUnknownFunction, {FromUtf8(*name)})) << "\n";
         return kExitError;
     }
     io.out << ToUtf8(Signature(*info)) << "\n" << ToUtf8(info->description) << "\n";
     if (!info->parameters.empty()) {
-        io.out << ToUtf8(kParametersHeading) << "\n";
+        io.out << ToUtf8(msg::kParametersHeading) << "\n";
         for (const ParameterInfo& parameter : info->parameters) {
-            io.out << ToUtf8(FormatMessage(kParameterLine, {parameter.name, parameter.type, parameter.description}))
+            io.out << ToUtf8(FormatMessage(msg::kParameterLine, {parameter.name, parameter.type, parameter.description}))
                    << "\n";
         }
     }

@@ -8,124 +8,33 @@
 //                              "file: Macro/While[2]/If[1]: message") and exits 1, or prints
 //                              "file: OK"; a list without --macro is checked macro by macro
 #include <CLI/CLI.hpp>
-#include <algorithm>
-#include <cctype>
-#include <filesystem>
-#include <memory>
 #include <optional>
 #include <ostream>
 #include <string>
 #include <vector>
 
 #include "cli/command.h"
+#include "cli/macro_file.h"
+#include "cli/messages.h"
 #include "core/format.h"
 #include "core/text.h"
-#include "macros/macro_store.h"
 #include "macros/macro_xml.h"
-#include "macros/messages.h"
 #include "macros/text_form.h"
 #include "runtime/static_check.h"
 #include "xml/file_io.h"
-#include "xml/xml_error.h"
 
 namespace qm::cli {
 namespace {
 
-// The texts of these commands.
-constexpr std::u16string_view kNotAMacroFile = u"[1]: expected a .qm (text form) or .xml file";
-constexpr std::u16string_view kSeveralMacros = u"[1] holds [2] macros: choose one with --macro ID|NAME";
-constexpr std::u16string_view kNoMacro = u"[1] holds no macro";
-constexpr std::u16string_view kListEntry = u"  [1]\t[2]";
-constexpr std::u16string_view kCheckedClean = u"[1]: OK";
-
-enum class Format { Text, Xml };
-
-std::optional<Format> FormatOf(const std::string& file) {
-    std::string extension = PathArg(file).extension().string();
-    std::transform(extension.begin(), extension.end(), extension.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    if (extension == ".qm") return Format::Text;
-    if (extension == ".xml") return Format::Xml;
-    return std::nullopt;
-}
-
-// A failure already worded for the user, with the file it concerns.
-struct CommandFailure {
-    std::u16string text;
-};
-
-struct LoadedMacro {
-    std::shared_ptr<M2::Macro> macro;
-    std::u16string root;  // the macro element's path in its document
-};
-
-// What a macro file holds, read whole.
-struct MacroFile {
-    std::string name;  // as given on the command line
-    Format format = Format::Text;
-    std::vector<LoadedMacro> macros;
-    std::shared_ptr<M2::Macros> list;  // the list the macros came from, when the file holds one
-    M2::TextFormLines lines;           // the text form's lines
-};
-
-MacroFile Load(const std::string& name, Format format) {
-    MacroFile file;
-    file.name = name;
-    file.format = format;
-    const std::u16string text = io::DecodeXmlBytes(io::ReadFileBytes(PathArg(name)));
-    if (format == Format::Text) {
-        file.macros.push_back({M2::ReadTextForm(text, name, &file.lines), u"Macro"});
-        return file;
-    }
-    try {
-        macros::MacroDocument document = macros::ReadMacroDocument(text);
-        if (document.macro) {
-            file.macros.push_back({document.macro, u"Macro"});
-        } else {
-            file.list = document.list;
-            int index = 0;
-            for (const auto& macro : document.list->macros) {
-                file.macros.push_back({macro, u"Macros/Macro[" + Ascii(std::to_string(++index)) + u"]"});
-            }
-        }
-    } catch (const xml::XmlError& e) {
-        throw CommandFailure{FromUtf8(name) + u": " + e.FullText()};
-    }
-    return file;
-}
-
-// The macro --macro names: the one with that id, else the first with that name.
-const LoadedMacro& Pick(const MacroFile& file, const std::string& selector) {
-    const std::u16string wanted = FromUtf8(selector);
-    for (const auto& loaded : file.macros) {
-        if (loaded.macro->id.value == wanted) return loaded;
-    }
-    for (const auto& loaded : file.macros) {
-        if (loaded.macro->name == wanted) return loaded;
-    }
-    throw CommandFailure{FromUtf8(file.name) + u": " + FormatMessage(macros::msg::kMacroNotFound, {wanted})};
-}
-
-// The one macro a conversion takes.
-const LoadedMacro& Single(const MacroFile& file, const std::optional<std::string>& selector) {
-    if (selector) return Pick(file, *selector);
-    if (file.macros.size() == 1) return file.macros.front();
-    if (file.macros.empty()) throw CommandFailure{FormatMessage(kNoMacro, {FromUtf8(file.name)})};
-    std::u16string text =
-        FormatMessage(kSeveralMacros, {FromUtf8(file.name), Ascii(std::to_string(file.macros.size()))});
-    for (const auto& loaded : file.macros) {
-        text += u"\n" + FormatMessage(kListEntry, {*loaded.macro->id, loaded.macro->name});
-    }
-    throw CommandFailure{std::move(text)};
-}
-
-// Runs a command body, turning every failure into its message on the error stream and exit 1.
+// Runs a command body, turning every failure into its message on the error stream and its exit
+// code (1 unless the failure says otherwise).
 template <class F>
 int Guarded(Io& io, F&& body) {
     try {
         return body();
     } catch (const CommandFailure& e) {
         io.err << ToUtf8(e.text) << "\n";
+        return e.code;
     } catch (const M2::TextFormError& e) {
         io.err << ToUtf8(e.FullText()) << "\n";
     } catch (const io::FileError& e) {
@@ -141,17 +50,17 @@ struct ConvertOptions {
 };
 
 int Convert(const ConvertOptions& options, Io& io) {
-    const std::optional<Format> from = FormatOf(options.in);
-    const std::optional<Format> to = FormatOf(options.out);
+    const std::optional<MacroFormat> from = MacroFormatOf(options.in);
+    const std::optional<MacroFormat> to = MacroFormatOf(options.out);
     if (!from || !to) {
-        io.err << ToUtf8(FormatMessage(kNotAMacroFile, {FromUtf8(from ? options.out : options.in)})) << "\n";
+        io.err << ToUtf8(FormatMessage(msg::kNotAMacroFile, {FromUtf8(from ? options.out : options.in)})) << "\n";
         return kExitUsage;
     }
     return Guarded(io, [&] {
-        const MacroFile file = Load(options.in, *from);
-        const M2::Macro& macro = *Single(file, options.macro).macro;
+        const MacroFile file = LoadMacroFile(options.in, *from);
+        const M2::Macro& macro = *SingleMacro(file, options.macro).macro;
         std::string bytes;
-        if (*to == Format::Text) {
+        if (*to == MacroFormat::Text) {
             try {
                 bytes = ToUtf8(M2::WriteTextForm(macro));
             } catch (const M2::TextFormError& e) {
@@ -171,23 +80,23 @@ struct CheckOptions {
 };
 
 int Check(const CheckOptions& options, Io& io) {
-    const std::optional<Format> format = FormatOf(options.file);
+    const std::optional<MacroFormat> format = MacroFormatOf(options.file);
     if (!format) {
-        io.err << ToUtf8(FormatMessage(kNotAMacroFile, {FromUtf8(options.file)})) << "\n";
+        io.err << ToUtf8(FormatMessage(msg::kNotAMacroFile, {FromUtf8(options.file)})) << "\n";
         return kExitUsage;
     }
     return Guarded(io, [&] {
-        const MacroFile file = Load(options.file, *format);
+        const MacroFile file = LoadMacroFile(options.file, *format);
         std::vector<const LoadedMacro*> checked;
         if (options.macro) {
-            checked.push_back(&Pick(file, *options.macro));
+            checked.push_back(&PickMacro(file, *options.macro));
         } else {
             for (const auto& loaded : file.macros) checked.push_back(&loaded);
         }
         const std::u16string name = FromUtf8(options.file);
         bool found = false;
         for (const LoadedMacro* loaded : checked) {
-            const M2::TextFormLines* lines = file.format == Format::Text ? &file.lines : nullptr;
+            const M2::TextFormLines* lines = file.format == MacroFormat::Text ? &file.lines : nullptr;
             for (const Finding& finding : CheckMacro(*loaded->macro, lines, loaded->root)) {
                 found = true;
                 const std::u16string where =
@@ -196,7 +105,7 @@ int Check(const CheckOptions& options, Io& io) {
             }
         }
         if (found) return kExitError;
-        io.out << ToUtf8(FormatMessage(kCheckedClean, {name})) << "\n";
+        io.out << ToUtf8(FormatMessage(msg::kCheckedClean, {name})) << "\n";
         return kExitOk;
     });
 }

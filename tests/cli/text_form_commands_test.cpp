@@ -69,7 +69,7 @@ TEST_F(TextFormCommands, MacroListsNeedAChoiceWhenTheyHoldSeveral) {
                           u"<Macro id=\"{B}\" name=\"Second\" category=\"\" description=\"\" publishDate=\"\">"
                           u"<Else/></Macro></Macros>"));
     Result r = RunTool({"convert", list, Path("one.qm")});
-    EXPECT_EQ(r.code, 1);
+    EXPECT_EQ(r.code, 2);
     EXPECT_EQ(r.err, list + " holds 2 macros: choose one with --macro ID|NAME\n  {A}\tFirst\n  {B}\tSecond\n");
 
     ASSERT_EQ(RunTool({"convert", list, Path("one.qm"), "--macro", "Second"}).code, 0);
