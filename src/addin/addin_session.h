@@ -50,8 +50,8 @@ public:
     void SetDisplay(std::u16string_view display);
 
 private:
-    // Boxes are owned by the window the user works in.
-    void TakeForegroundOwner();
+    // Boxes are owned by OneNote's main window, asked for at every command.
+    void TakeOneNoteOwner();
     void Invalidate(std::u16string_view controlId = {});
     void Run(std::u16string_view id);
     void Edit(std::u16string_view id);
@@ -60,6 +60,7 @@ private:
     template <class Action>
     void Reported(Action&& action);
 
+    ComPtr<IDispatch> application_;
     ComOneNote onenote_;
     macros::MacroStore store_;
     macros::SettingsStore settings_;

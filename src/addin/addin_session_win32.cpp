@@ -34,7 +34,8 @@ std::u16string CurrentPageId(std::u16string_view hierarchy) {
 
 }  // namespace
 
-AddinSession::AddinSession(IDispatch* application) : onenote_(application), driver_(ui_) {
+AddinSession::AddinSession(IDispatch* application)
+    : application_(ComPtr<IDispatch>::Share(application)), onenote_(application), driver_(ui_) {
     // Loaded now, so that the first menu opens at once; a file that does not read is reported
     // when the list is first needed, and again until it reads.
     try {
@@ -49,7 +50,7 @@ AddinSession::AddinSession(IDispatch* application) : onenote_(application), driv
 
 void AddinSession::SetRibbon(IDispatch* ribbonUi) { ribbon_ = ComPtr<IDispatch>::Share(ribbonUi); }
 
-void AddinSession::TakeForegroundOwner() { ui_.SetOwner(GetForegroundWindow()); }
+void AddinSession::TakeOneNoteOwner() { ui_.SetOwner(OneNoteWindow(application_.get())); }
 
 void AddinSession::Invalidate(std::u16string_view controlId) {
     if (!ribbon_) return;
@@ -80,7 +81,7 @@ std::shared_ptr<M2::Macro> AddinSession::FindMacro(std::u16string_view id) {
 
 template <class Action>
 void AddinSession::Reported(Action&& action) {
-    TakeForegroundOwner();
+    TakeOneNoteOwner();
     try {
         action();
     } catch (const macros::StoreError& e) {

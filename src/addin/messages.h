@@ -53,7 +53,14 @@ inline constexpr std::u16string_view kNoGallery = u"The macro gallery is not ava
 // Boxes.
 inline constexpr std::u16string_view kOk = u"OK";
 inline constexpr std::u16string_view kCancel = u"Cancel";
+inline constexpr std::u16string_view kYes = u"&Yes";
+inline constexpr std::u16string_view kNo = u"&No";
 inline constexpr std::u16string_view kPageXmlTitle = u"Page XML";
+// A macro's dialog box that cannot be shown: [1] the number of controls, [2] the most there can be.
+inline constexpr std::u16string_view kTooManyDialogControls =
+    u"The dialog box has [1] controls; it can show at most [2]";
+// [1] the system's error code.
+inline constexpr std::u16string_view kDialogFailed = u"The dialog box could not be shown (error [1])";
 // An "Edit XML" import that does not read: [1] the reader's message.
 inline constexpr std::u16string_view kImportFailed = u"The XML could not be imported: [1]";
 

@@ -126,6 +126,37 @@ TEST_F(ConnectedTest, FailingMacroShowsItsErrorAndWritesNothing) {
     EXPECT_TRUE(onenote_->updatedPages.empty());
 }
 
+// A macro's dialog box shown from the ribbon, answered through the box record: OK on the values the
+// controls start with, or Cancel when a text box that may not be empty starts empty.
+std::u16string PrefixMacro(std::u16string_view initialPrefix) {
+    return u"#name Prefix\n"
+           u"$d = DialogBox_Create(\"Prefix for every paragraph\")\n"
+           u"DialogBox_AddTextBox($d, \"Prefix\", \"prefix\", \"" + std::u16string(initialPrefix) + u"\", \"false\")\n"
+           u"DialogBox_AddCheckBox($d, \"Bold\", \"bold\", \"true\")\n"
+           u"DialogBox_Show($d)\n"
+           u"ForEach $q in QueryObjects(\"Paragraph\", GetCurrentPage())\n"
+           u"  If $q.contentType == \"text\"\n"
+           u"    $q.text = $d.controls[\"prefix\"] & $q.text\n";
+}
+
+TEST_F(ConnectedTest, DialogBoxTakesItsInitialValues) {
+    const std::u16string id = StoreMacro(PrefixMacro(u"Done: "));
+    Connect();
+    ASSERT_EQ(OnControl(u"OnMacro", id), S_OK);
+    EXPECT_EQ(Boxes(), std::vector<std::string>{"Prefix\tPrefix for every paragraph\tPrefix=Done: \tBold=true"});
+    ASSERT_EQ(onenote_->updatedPages.size(), 1u);
+    EXPECT_NE(onenote_->updatedPages[0].find(u"Done: "), std::u16string::npos);
+}
+
+TEST_F(ConnectedTest, DialogBoxThatCannotBeConfirmedCancelsTheRun) {
+    const std::u16string id = StoreMacro(PrefixMacro(u""));
+    Connect();
+    ASSERT_EQ(OnControl(u"OnMacro", id), S_OK);
+    // The dialog and nothing else: a cancelled run shows no Error box and writes no page.
+    EXPECT_EQ(Boxes(), std::vector<std::string>{"Prefix\tPrefix for every paragraph\tPrefix=\tBold=true"});
+    EXPECT_TRUE(onenote_->updatedPages.empty());
+}
+
 TEST_F(ConnectedTest, UnreadableMacroListIsReportedNotThrown) {
     std::ofstream(home() / "macros2.xml", std::ios::binary) << "<?xml version=\"1.0\"?><Macros><Macro";
     Connect();
