@@ -71,6 +71,7 @@ function(quillmark_wine_prefix)
   find_program(QUILLMARK_WINEBOOT wineboot REQUIRED)
   add_test(NAME wine_prefix COMMAND ${CMAKE_COMMAND} -E env
     WINEPREFIX=${prefix} WINEDEBUG=-all WINEDLLOVERRIDES=mscoree,mshtml=
-    ${CMAKE_COMMAND} -DPREFIX=${prefix} -DWINEBOOT=${QUILLMARK_WINEBOOT} -P ${CMAKE_SOURCE_DIR}/cmake/wine-prefix.cmake)
+    ${CMAKE_COMMAND} -DPREFIX=${prefix} -DWINEBOOT=${QUILLMARK_WINEBOOT} -DWINE=${CMAKE_CROSSCOMPILING_EMULATOR}
+    -P ${CMAKE_SOURCE_DIR}/cmake/wine-prefix.cmake)
   set_tests_properties(wine_prefix PROPERTIES FIXTURES_SETUP wine_prefix)
 endfunction()
