@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "xml/messages.h"
+#include "xml/xml_chars.h"
 #include "xml/xml_error.h"
 
 namespace qm::xml {
@@ -66,7 +67,9 @@ bool StartsWithDeclaration(std::u16string_view text) {
 void RefuseUnreadable(std::u16string_view text) {
     // A null character is never part of XML; refused here, it cannot mislead a parser's guess at
     // a four-byte encoding either.
-    if (const std::size_t nul = text.find(u'\0'); nul != std::u16string_view::npos) {
+    std::size_t clean = 0;  // no null character before it, looked for four units at a time
+    while (clean + 4 <= text.size() && !FourUnits(text.data() + clean).Any(u'\0')) clean += 4;
+    if (const std::size_t nul = text.find(u'\0', clean); nul != std::u16string_view::npos) {
         const auto [line, column] = LineAndColumn(text, nul);
         throw XmlError(std::u16string(msg::kNullCharacter), line, column);
     }

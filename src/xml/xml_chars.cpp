@@ -64,6 +64,26 @@ bool CharacterReference(std::u16string_view text, std::size_t i, std::size_t& le
     return true;
 }
 
+// Whether shielding leaves the text as plain conversion does (most documents): it holds no
+// character reference, and no raw character that shielding carries when `illegal`.
+bool NothingToShield(std::u16string_view text, bool illegal) {
+    const std::size_t n = text.size();
+    for (std::size_t i = 0; i < n; ++i) {
+        for (; i + 4 <= n; i += 4) {
+            const FourUnits four(text.data() + i);
+            if (!four.Ascii() || four.AnyBelow(0x20) || four.Any(u'&')) break;
+        }
+        if (i == n) break;
+        const char16_t c = text[i];
+        if (c == u'&') {
+            if (i + 1 < n && text[i + 1] == u'#') return false;
+        } else if (illegal && (c < 0x20 || c >= 0xD800) && !IsXmlChar(text, i) && c != 0) {
+            return false;
+        }
+    }
+    return true;
+}
+
 }  // namespace
 
 bool IsShieldable(char32_t c) {
@@ -81,6 +101,11 @@ std::optional<char16_t> Unshield(char32_t c, ShieldOptions options) {
 
 std::string ToShieldedUtf8(std::u16string_view text, ShieldOptions options) {
     const bool illegal = options.illegal;
+    if (NothingToShield(text, illegal)) {
+        std::string out;
+        AppendUtf8(out, text);
+        return out;
+    }
     std::string out(text.size() * 4, '\0');  // a shielded code unit takes four bytes, nothing takes more
     char* p = out.data();
     std::size_t quietUntil = 0;  // end of a CDATA section, comment or processing instruction
@@ -145,6 +170,10 @@ void AppendUtf8(std::string& out, std::u16string_view text) {
     out.resize(start + text.size() * 3);
     char* p = out.data() + start;
     for (std::size_t i = 0; i < text.size(); ++i) {
+        for (; i + 4 <= text.size() && FourUnits(text.data() + i).Ascii(); i += 4, p += 4) {
+            for (int k = 0; k < 4; ++k) p[k] = static_cast<char>(text[i + k]);
+        }
+        if (i == text.size()) break;
         const char16_t c = text[i];
         if (c < 0x80) {
             *p++ = static_cast<char>(c);
@@ -164,6 +193,13 @@ std::u16string Utf8ToUtf16(std::string_view in) {
     const std::size_t n = in.size();
     std::size_t i = 0;
     while (i < n) {
+        // ASCII eight bytes at a time.
+        for (std::uint64_t w; i + 8 <= n; i += 8, p += 8) {
+            std::memcpy(&w, in.data() + i, sizeof w);
+            if ((w & 0x8080808080808080ull) != 0) break;
+            for (int k = 0; k < 8; ++k) p[k] = static_cast<unsigned char>(in[i + k]);
+        }
+        if (i == n) break;
         const auto c = static_cast<unsigned char>(in[i]);
         if (c < 0x80) {
             *p++ = c;
