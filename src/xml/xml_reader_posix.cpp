@@ -2,10 +2,13 @@
 // here, with the encoding named explicitly and the declaration's own encoding label ignored
 // (documents say "utf-16", which is what they were before the conversion).
 #include <libxml/parser.h>
+#include <libxml/parserInternals.h>
 #include <libxml/xmlreader.h>
 
+#include <exception>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "core/code_point.h"
 #include "core/format.h"
@@ -15,6 +18,7 @@
 #include "xml/xml_chars.h"
 #include "xml/xml_error.h"
 #include "xml/xml_reader.h"
+#include "xml/xml_scan.h"
 
 namespace qm::xml {
 
@@ -45,6 +49,13 @@ void AssignFromUtf8(std::u16string& out, const xmlChar* text, bool unshield = fa
         }
         AppendCodePoint(out, c);
     }
+}
+
+// libxml2's report of a failure as ours: its message without the line break, and where.
+XmlError ErrorOf(const xmlError& error) {
+    std::string text = error.message != nullptr ? error.message : "";
+    while (!text.empty() && (text.back() == '\n' || text.back() == ' ')) text.pop_back();
+    return XmlError(text.empty() ? std::u16string(msg::kUnknownReaderError) : FromUtf8(text), error.line, error.int2);
 }
 
 NodeType MapNodeType(int type) {
@@ -229,10 +240,7 @@ private:
     static void OnError(void* self, xmlErrorPtr error) {
         auto* reader = static_cast<LibXmlReader*>(self);
         if (error == nullptr || error->level < XML_ERR_ERROR || reader->error_) return;
-        std::string text = error->message != nullptr ? error->message : "";
-        while (!text.empty() && (text.back() == '\n' || text.back() == ' ')) text.pop_back();
-        reader->error_.emplace(text.empty() ? std::u16string(msg::kUnknownReaderError) : FromUtf8(text),
-                               error->line, error->int2);
+        reader->error_.emplace(ErrorOf(*error));
     }
 
     MuteGenericErrors mute_;  // first member: muted before the parser exists, until after it is gone
@@ -252,10 +260,126 @@ private:
     mutable std::u16string value_;
 };
 
+// A scan through libxml2's SAX2 callbacks: no tree, no node objects, nothing converted.
+class SaxScan {
+public:
+    SaxScan(std::string_view utf8, ScanHandler& handler) : handler_(handler) {
+        static const bool initialized = (xmlInitParser(), true);
+        (void)initialized;
+        ctxt_ = xmlCreateMemoryParserCtxt(utf8.data(), static_cast<int>(utf8.size()));
+        if (ctxt_ == nullptr) throw XmlError(std::u16string(msg::kReaderFailed), 0, 0);
+        // As the pull reader: no entity substitution, no DTD loading, no network, libxml2's own
+        // nesting cap lifted for kMaxElementDepth. Options first: they may set handlers of their own.
+        xmlCtxtUseOptions(ctxt_, XML_PARSE_NONET | XML_PARSE_HUGE | XML_PARSE_IGNORE_ENC);
+        xmlSwitchEncoding(ctxt_, XML_CHAR_ENCODING_UTF8);
+        xmlSAXHandler& sax = *ctxt_->sax;
+        sax = xmlSAXHandler{};
+        sax.initialized = XML_SAX2_MAGIC;
+        sax.startElementNs = &SaxScan::OnStart;
+        sax.endElementNs = &SaxScan::OnEnd;
+        sax.characters = &SaxScan::OnText;
+        sax.ignorableWhitespace = &SaxScan::OnText;
+        sax.cdataBlock = &SaxScan::OnCData;
+        sax.comment = &SaxScan::OnComment;
+        sax.processingInstruction = &SaxScan::OnInstruction;
+        sax.internalSubset = &SaxScan::OnDocumentType;
+        sax.serror = &SaxScan::OnError;
+        ctxt_->_private = this;
+    }
+    ~SaxScan() { xmlFreeParserCtxt(ctxt_); }
+    SaxScan(const SaxScan&) = delete;
+    SaxScan& operator=(const SaxScan&) = delete;
+
+    void Run() {
+        xmlParseDocument(ctxt_);
+        if (thrown_) std::rethrow_exception(thrown_);
+        if (error_) throw *error_;
+        if (ctxt_->wellFormed == 0) throw XmlError(std::u16string(msg::kUnknownReaderError), ctxt_->input->line, 0);
+    }
+
+private:
+    static SaxScan& Of(void* ctx) { return *static_cast<SaxScan*>(static_cast<xmlParserCtxtPtr>(ctx)->_private); }
+    static std::string_view View(const xmlChar* text) {
+        return text != nullptr ? std::string_view(reinterpret_cast<const char*>(text)) : std::string_view();
+    }
+    static std::string_view View(const xmlChar* text, int length) {
+        return {reinterpret_cast<const char*>(text), static_cast<std::size_t>(length)};
+    }
+
+    // Runs a handler call; what it throws stops the parser and is thrown again after it.
+    template <class Call>
+    void Guard(Call call) {
+        if (thrown_ || error_) return;
+        try {
+            call();
+        } catch (...) {
+            thrown_ = std::current_exception();
+            xmlStopParser(ctxt_);
+        }
+    }
+    void Stop(XmlError error) {
+        if (!error_) error_.emplace(std::move(error));
+        xmlStopParser(ctxt_);
+    }
+
+    static void OnStart(void* ctx, const xmlChar* localName, const xmlChar*, const xmlChar* uri, int, const xmlChar**,
+                        int count, int, const xmlChar** raw) {
+        SaxScan& self = Of(ctx);
+        if (self.depth_++ >= kMaxElementDepth) {
+            self.Stop(XmlError(FormatMessage(msg::kNestedTooDeeply, {Ascii(std::to_string(kMaxElementDepth))}),
+                               self.ctxt_->input->line, 0));
+            return;
+        }
+        self.attributes_.clear();
+        for (int i = 0; i < count; ++i) {
+            const xmlChar* const* a = raw + 5 * i;  // local name, prefix, URI, value start, value end
+            self.attributes_.push_back(ScanAttribute{View(a[0]), View(a[2]), View(a[3], static_cast<int>(a[4] - a[3]))});
+        }
+        self.Guard([&] { self.handler_.StartElement(View(localName), View(uri), self.attributes_); });
+    }
+    static void OnEnd(void* ctx, const xmlChar*, const xmlChar*, const xmlChar*) {
+        SaxScan& self = Of(ctx);
+        --self.depth_;
+        self.Guard([&] { self.handler_.EndElement(); });
+    }
+    static void OnText(void* ctx, const xmlChar* text, int length) {
+        SaxScan& self = Of(ctx);
+        self.Guard([&] { self.handler_.Characters(View(text, length), false); });
+    }
+    static void OnCData(void* ctx, const xmlChar* text, int length) {
+        SaxScan& self = Of(ctx);
+        self.Guard([&] { self.handler_.Characters(View(text, length), true); });
+    }
+    static void OnComment(void* ctx, const xmlChar*) {
+        SaxScan& self = Of(ctx);
+        self.Guard([&] { self.handler_.CommentOrInstruction(); });
+    }
+    static void OnInstruction(void* ctx, const xmlChar*, const xmlChar*) { OnComment(ctx, nullptr); }
+    static void OnDocumentType(void* ctx, const xmlChar*, const xmlChar*, const xmlChar*) {
+        SaxScan& self = Of(ctx);
+        self.Stop(XmlError(std::u16string(msg::kDtdProhibited), self.ctxt_->input->line, 0));
+    }
+    static void OnError(void* ctx, xmlErrorPtr error) {
+        if (error == nullptr || error->level < XML_ERR_ERROR || ctx == nullptr) return;
+        SaxScan& self = Of(ctx);
+        if (!self.error_) self.error_.emplace(ErrorOf(*error));
+    }
+
+    MuteGenericErrors mute_;  // first member: muted before the parser exists, until after it is gone
+    ScanHandler& handler_;
+    xmlParserCtxtPtr ctxt_ = nullptr;
+    int depth_ = 0;
+    std::vector<ScanAttribute> attributes_;
+    std::optional<XmlError> error_;
+    std::exception_ptr thrown_;
+};
+
 }  // namespace
 
 std::unique_ptr<XmlReader> CreateStringXmlReader(std::u16string_view text, const ReaderOptions& options) {
     return std::make_unique<LibXmlReader>(text, options);
 }
+
+void ScanUtf8Document(std::string_view utf8, ScanHandler& handler) { SaxScan(utf8, handler).Run(); }
 
 }  // namespace qm::xml

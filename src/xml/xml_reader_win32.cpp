@@ -11,6 +11,7 @@
 #undef FormatMessage  // the system's macro; ours is qm::FormatMessage
 
 #include <string>
+#include <vector>
 
 #include "core/format.h"
 #include "core/text.h"
@@ -19,6 +20,7 @@
 #include "xml/xml_chars.h"
 #include "xml/xml_error.h"
 #include "xml/xml_reader.h"
+#include "xml/xml_scan.h"
 
 namespace qm::xml {
 namespace {
@@ -280,6 +282,44 @@ private:
 
 std::unique_ptr<XmlReader> CreateStringXmlReader(std::u16string_view text, const ReaderOptions& options) {
     return std::make_unique<XmlLiteReader>(text, options);
+}
+
+// The pull reader serves the scan here: the document is decoded and read node by node.
+void ScanUtf8Document(std::string_view utf8, ScanHandler& handler) {
+    XmlLiteReader reader(Utf8ToUtf16(utf8), ReaderOptions{});
+    std::vector<std::string> texts;  // local name, namespace and value of each attribute
+    std::vector<ScanAttribute> attributes;
+    while (reader.Read()) {
+        switch (reader.nodeType()) {
+            case NodeType::Element: {
+                const std::string name = ToUtf8(reader.localName());
+                const std::string uri = ToUtf8(reader.namespaceUri());
+                const bool empty = reader.isEmptyElement();
+                texts.clear();
+                for (bool more = reader.MoveToFirstAttribute(); more; more = reader.MoveToNextAttribute()) {
+                    if (reader.namespaceUri() == kXmlnsNamespace) continue;
+                    texts.push_back(ToUtf8(reader.localName()));
+                    texts.push_back(ToUtf8(reader.namespaceUri()));
+                    texts.push_back(ToUtf8(reader.value()));
+                }
+                reader.MoveToElement();
+                attributes.clear();
+                for (std::size_t i = 0; i < texts.size(); i += 3) {
+                    attributes.push_back(ScanAttribute{texts[i], texts[i + 1], texts[i + 2]});
+                }
+                handler.StartElement(name, uri, attributes);
+                if (empty) handler.EndElement();
+                break;
+            }
+            case NodeType::EndElement: handler.EndElement(); break;
+            case NodeType::Text:
+            case NodeType::Whitespace: handler.Characters(ToUtf8(reader.value()), false); break;
+            case NodeType::CDATA: handler.Characters(ToUtf8(reader.value()), true); break;
+            case NodeType::Comment:
+            case NodeType::ProcessingInstruction: handler.CommentOrInstruction(); break;
+            default: break;
+        }
+    }
 }
 
 }  // namespace qm::xml
