@@ -5,6 +5,7 @@
 
 #include "core/format.h"
 #include "core/text.h"
+#include "onenote/given_page.h"
 #include "onenote/messages.h"
 #include "onenote/notebook_folder_detail.h"
 #include "onenote/on_document.h"
@@ -128,8 +129,12 @@ const NotebookFolder::Node& NotebookFolder::Find(std::u16string_view id, std::ui
 }
 
 void NotebookFolder::WritePage(const std::u16string& id, const ON::Page& page) {
+    WritePageFile(id, ON::WriteDocumentFile(page));
+}
+
+void NotebookFolder::WritePageFile(const std::u16string& id, std::string_view bytes) {
     fs::create_directories(folder_ / "pages");
-    pageFiles_.Replace(PagePath(id), ON::WriteDocumentFile(page));
+    pageFiles_.Replace(PagePath(id), bytes);
 }
 
 void NotebookFolder::CheckWritable(const ON::Section* section, std::uint32_t whenLocked) const {
@@ -173,11 +178,7 @@ std::u16string NotebookFolder::GetPageContent(std::u16string_view pageId) {
     return io::DecodeXmlBytes(io::ReadFileBytes(path));
 }
 
-void NotebookFolder::UpdatePageContent(std::u16string_view pageXml, std::optional<xml::SystemTime> expectedLastModified) {
-    ++calls.updatePageContent;
-    const std::shared_ptr<ON::Page> page = ReadGiven([&] { return ON::ReadPage(pageXml, u"the page"); });
-    if (!page->ID || page->ID->empty()) Fail(hr::kXmlInvalid);
-    const std::u16string id = *page->ID;
+ON::Page& NotebookFolder::PageToReplace(const std::u16string& id, std::optional<xml::SystemTime> expectedLastModified) {
     const Node& node = Find(id, hr::kPageDoesNotExist);
     if (node.kind != Kind::Page) Fail(hr::kPageDoesNotExist);
     auto& stored = static_cast<ON::Page&>(*node.element);
@@ -186,6 +187,24 @@ void NotebookFolder::UpdatePageContent(std::u16string_view pageXml, std::optiona
     if (expectedLastModified && (!stored.lastModifiedTime || stored.lastModifiedTime->time != *expectedLastModified)) {
         Fail(hr::kLastModifiedDateMismatch);
     }
+    return stored;
+}
+
+void NotebookFolder::UpdatePageContent(std::u16string_view pageXml, std::optional<xml::SystemTime> expectedLastModified) {
+    ++calls.updatePageContent;
+    // A page as a run sends it is stored as given; any other is bound and written anew.
+    if (const std::optional<detail::GivenPage> given = detail::ReadGivenPage(pageXml)) {
+        ON::Page& stored = PageToReplace(given->id, expectedLastModified);
+        const ON::DateTime now = ON::DateTime::Of(clock_());
+        const ON::String name = given->titleText ? given->titleText : given->name ? given->name : stored.name;
+        WritePageFile(given->id, detail::PageFileBytes(*given, name, now));
+        SetEntry(stored, name, now, given->dateTime, given->pageLevel);
+        return;
+    }
+    const std::shared_ptr<ON::Page> page = ReadGiven([&] { return ON::ReadPage(pageXml, u"the page"); });
+    if (!page->ID || page->ID->empty()) Fail(hr::kXmlInvalid);
+    const std::u16string id = *page->ID;
+    ON::Page& stored = PageToReplace(id, expectedLastModified);
 
     page->lastModifiedTime = ON::DateTime::Of(clock_());
     if (page->title) {
@@ -194,11 +213,15 @@ void NotebookFolder::UpdatePageContent(std::u16string_view pageXml, std::optiona
         page->name = stored.name;
     }
     WritePage(id, *page);
+    SetEntry(stored, page->name, *page->lastModifiedTime, page->dateTime, page->pageLevel);
+}
 
-    stored.name = page->name;
-    stored.lastModifiedTime = page->lastModifiedTime;
-    if (page->dateTime) stored.dateTime = page->dateTime;
-    if (page->pageLevel) stored.pageLevel = page->pageLevel;
+void NotebookFolder::SetEntry(ON::Page& stored, const ON::String& name, const ON::DateTime& lastModified,
+                              const ON::OptDateTime& dateTime, const ON::OptInt& pageLevel) {
+    stored.name = name;
+    stored.lastModifiedTime = lastModified;
+    if (dateTime) stored.dateTime = dateTime;
+    if (pageLevel) stored.pageLevel = pageLevel;
     MarkHierarchyChanged();
 }
 

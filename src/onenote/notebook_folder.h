@@ -26,8 +26,10 @@
 // What it does as OneNote does: scopes cut the hierarchy at their depth; IDs that do not exist,
 // read-only and locked sections and pages in the recycle bin fail with OneNote's codes and texts;
 // UpdatePageContent replaces the page and sets its name (from the title) and last-modified time
-// in the hierarchy; UpdateHierarchy applies the attributes a macro may change (names, colours,
-// unread marks, page dates and levels) but does not move or delete nodes.
+// in the hierarchy (a page sent in the form of page files, as a run sends it, is checked for
+// well-formedness and stored as given: given_page.h); UpdateHierarchy applies the attributes a
+// macro may change (names, colours, unread marks, page dates and levels) but does not move or
+// delete nodes.
 #pragma once
 
 #include <array>
@@ -108,6 +110,12 @@ private:
     const Node& Find(std::u16string_view id, std::uint32_t missing) const;
     void MarkHierarchyChanged() { hierarchyChanged_ = true; }
     void WritePage(const std::u16string& id, const ON::Page& page);
+    void WritePageFile(const std::u16string& id, std::string_view bytes);
+    // The stored entry of a page UpdatePageContent may replace; fails as OneNote does otherwise.
+    ON::Page& PageToReplace(const std::u16string& id, std::optional<xml::SystemTime> expectedLastModified);
+    // A replaced page's hierarchy entry: its name and time, and its date and level when given.
+    void SetEntry(ON::Page& stored, const ON::String& name, const ON::DateTime& lastModified,
+                  const ON::OptDateTime& dateTime, const ON::OptInt& pageLevel);
     void CheckWritable(const ON::Section* section, std::uint32_t whenLocked) const;
 
     std::filesystem::path folder_;
