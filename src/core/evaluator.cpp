@@ -237,11 +237,15 @@ private:
                 current = Operand();
                 continue;
             }
-            const ValueRef& element = array.elements()[i].value;
+            const MacroValue& element = array.ValueAt(i);
             // An element of a stored array stays put until the next side effect, like its array;
-            // an element of a temporary array must be kept alive by the operand itself.
-            Operand next = current.IsRef() && !current.HasHolder() ? Operand::Ref(*element)
-                                                                   : Operand::Ref(*element, element);
+            // an element of a temporary array is kept alive by the operand, which holds the array.
+            Operand next;
+            if (current.IsRef() && !current.HasHolder()) {
+                next = Operand::Ref(element);
+            } else {
+                next = Operand::Ref(element, ValueRef(current.value().array(), const_cast<MacroValue*>(&element)));
+            }
             current = std::move(next);
         }
     }
@@ -348,9 +352,12 @@ private:
             if (current.kind() == Kind::Empty && place.slot) current.AsArray();
             if (current.kind() != Kind::Array || !current.array()) ThrowExpectedArray(current.DescribeShort(), target);
             ArrayRef array = current.array();  // place.temp may hold the only reference
-            ValueRef element = array->FindOrCreate(key);
-            place.slot = element.get();
-            place.holder = std::move(element);
+            // A plain reference into the array, held together with the array: until the store
+            // below only the next steps run, and they change other arrays (in an array holding
+            // itself they leave this element behind).
+            MacroValue& element = array->FindOrCreateValue(key);
+            place.slot = &element;
+            place.holder = ValueRef(std::move(array), &element);
             place.temp = MacroValue();
         }
 
@@ -408,19 +415,41 @@ private:
     }
 
     // The slot of an argument that is a variable followed by index steps (see the file comment).
-    ValueRef ResolveArgumentSlot(const Expression& node) {
+    // When a later argument can change arrays (`Array_PushBack($a[0], Array_PopBack($a))`) the
+    // element is taken as a handle of its own (boxed), which stays put and stays alive whatever
+    // happens to its array; otherwise nothing changes the array before the call uses the slot, and
+    // the slot holds the array instead.
+    ValueRef ResolveArgumentSlot(const Expression& node, bool laterEffects) {
         ValueRef slot = scope_.Slot(std::get<M2::Var>(node.primary));
-        for (const M2::Member& member : node.members) {
-            Operand index = Eval(Node(std::get<M2::ExpressionPtr>(member)), false);
+        const std::size_t count = node.members.size();
+        for (std::size_t step = 0; step < count; ++step) {
+            // The index expressions of the next steps run while this step's slot is held.
+            bool effectsWhileHeld = laterEffects;
+            for (std::size_t k = step + 1; k < count && !effectsWhileHeld; ++k) {
+                effectsWhileHeld = !IsPure(Node(std::get<M2::ExpressionPtr>(node.members[k])));
+            }
+            Operand index = Eval(Node(std::get<M2::ExpressionPtr>(node.members[step])), false);
             KeyText key;
             if (!detail::TextOf(index, key.buffer, key.scratch, key.text)) ThrowIndexNeedsKey(index, node);
             MacroValue& current = *slot;
             if (current.kind() == Kind::Empty) current.AsArray();
             if (current.kind() != Kind::Array || !current.array()) ThrowExpectedArray(current.DescribeShort(), node);
             ArrayRef array = current.array();
-            slot = array->FindOrCreate(key.text);
+            if (effectsWhileHeld) {
+                slot = array->FindOrCreate(key.text);
+            } else {
+                MacroValue& element = array->FindOrCreateValue(key.text);
+                slot = ValueRef(std::move(array), &element);
+            }
         }
         return slot;
+    }
+
+    static bool LaterArgumentsPure(const M2::Call& call, std::size_t i) {
+        for (std::size_t j = i + 1; j < call.args.size(); ++j) {
+            if (!IsPure(Node(call.args[j]))) return false;
+        }
+        return true;
     }
 
     Operand EvalCall(const M2::Call& call) {
@@ -434,7 +463,7 @@ private:
                 // reference-count updates per argument.
                 ValueRef slot = arg.members.empty()
                                     ? ValueRef(ValueRef(), &scope_.Variable(*std::get_if<M2::Var>(&arg.primary)))
-                                    : ResolveArgumentSlot(arg);
+                                    : ResolveArgumentSlot(arg, !LaterArgumentsPure(call, i));
                 args.Add(*slot, std::move(slot));
             } else {
                 args.Add(Eval(arg, false).Take(), nullptr);
@@ -486,6 +515,21 @@ private:
 };
 
 }  // namespace
+
+std::size_t MacroScope::IndexOf(std::u16string_view name) {
+    CacheEntry& entry = cache_[CacheSlot(name.data())];
+    char16_t buffer[24];
+    if (entry.data == name.data() && entry.index < variables_.size() &&
+        SameText(variables_.KeyAt(entry.index, buffer), name)) {
+        return entry.index;
+    }
+    const std::size_t count = variables_.size();
+    const std::size_t index = variables_.FindOrCreateIndex(name);
+    if (variables_.size() != count) variables_.Handle(index);
+    entry.data = name.data();
+    entry.index = index;
+    return index;
+}
 
 std::uint64_t MacroScope::NextSerial() noexcept {
     static std::atomic<std::uint64_t> next{1};

@@ -41,18 +41,20 @@ public:
         return *this;
     }
 
-    ValueRef Slot(std::u16string_view name) { return variables_.elements()[IndexOf(name)].value; }
+    // Every variable is boxed in the scope's array as it is created (see MacroArray): its value
+    // stays put while other variables are created.
+    ValueRef Slot(std::u16string_view name) { return variables_.Handle(IndexOf(name)); }
     // The same slot without reference-count traffic. Variables are never removed from a scope, so
     // the reference stays valid for the scope's lifetime.
-    MacroValue& Variable(std::u16string_view name) { return *variables_.elements()[IndexOf(name)].value; }
+    MacroValue& Variable(std::u16string_view name) { return variables_.BoxedAt(IndexOf(name)); }
     // The slot of a variable node. The node remembers the slot's position together with this
     // scope's serial, so the next read of the same node in the same scope costs no lookup at all:
     // positions never change while a scope lives, and no two scopes share a serial. A node read in
     // another scope (a function's, a later run's) finds another serial and looks the name up again.
     // A node's name does not change while it is being evaluated (the tree is const there), and a
     // changed tree is run in a new scope, so a remembered position always belongs to the name.
-    MacroValue& Variable(const M2::Var& var) { return *variables_.elements()[IndexOf(var)].value; }
-    ValueRef Slot(const M2::Var& var) { return variables_.elements()[IndexOf(var)].value; }
+    MacroValue& Variable(const M2::Var& var) { return variables_.BoxedAt(IndexOf(var)); }
+    ValueRef Slot(const M2::Var& var) { return variables_.Handle(IndexOf(var)); }
     const MacroArray& variables() const noexcept { return variables_; }
 
 private:
@@ -69,18 +71,9 @@ private:
     // Variable lookup by name. A small direct-mapped cache keyed by the address of the name's
     // characters (the name in a tree node, which stays put while the tree lives) remembers the
     // element index; a hit is confirmed by comparing the name itself, so a stale entry (a freed tree
-    // whose memory holds another name) only costs a miss.
-    std::size_t IndexOf(std::u16string_view name) {
-        CacheEntry& entry = cache_[CacheSlot(name.data())];
-        if (entry.data == name.data() && entry.index < variables_.size() &&
-            SameText(variables_.elements()[entry.index].key, name)) {
-            return entry.index;
-        }
-        std::size_t index = variables_.FindOrCreateIndex(name);
-        entry.data = name.data();
-        entry.index = index;
-        return index;
-    }
+    // whose memory holds another name) only costs a miss. Out of line: the node memo above is the
+    // hot path, and it stays small enough to inline.
+    std::size_t IndexOf(std::u16string_view name);
     static std::size_t CacheSlot(const char16_t* p) {
         auto v = reinterpret_cast<std::uintptr_t>(p);
         return ((v >> 3) ^ (v >> 9)) & (kCacheSize - 1);

@@ -333,13 +333,14 @@ void DescribeArray(const MacroArray& root, std::u16string& out) {
             stack.pop_back();
             continue;
         }
-        const MacroArray::Element& element = frame.array->elements()[frame.order[frame.next++]];
+        const std::size_t position = frame.order[frame.next++];
+        char16_t buffer[24];
         out += u"\r\n";
         out.append(stack.size(), u'\t');
         out += u"[";
-        out += element.key;
+        out += frame.array->KeyAt(position, buffer);
         out += u"]: ";
-        const MacroValue& value = *element.value;
+        const MacroValue& value = frame.array->ValueAt(position);
         if (value.kind() != Kind::Array || !value.array()) {
             DescribeScalar(value, out);
             continue;
@@ -485,10 +486,15 @@ bool ArraysEqual(const MacroArray& left, const MacroArray& right) {
             stack.pop_back();
             continue;
         }
-        const MacroArray::Element& element = frame.left->elements()[frame.next++];
-        const MacroValue* other = frame.right->FindValue(element.key);
-        if (!other) return false;
-        const MacroValue& mine = *element.value;
+        const std::size_t position = frame.next++;
+        // Two dense arrays of one size have the same keys at the same positions.
+        char16_t buffer[24];
+        const std::size_t at = frame.left->dense() && frame.right->dense()
+                                   ? position
+                                   : frame.right->IndexOf(frame.left->KeyAt(position, buffer));
+        if (at == MacroArray::npos) return false;
+        const MacroValue* other = &frame.right->ValueAt(at);
+        const MacroValue& mine = frame.left->ValueAt(position);
         if (mine.kind() != Kind::Array || other->kind() != Kind::Array || !mine.array() || !other->array()) {
             if (mine.kind() == Kind::Array) {
                 if (other->kind() != Kind::Array || mine.array() != other->array()) return false;

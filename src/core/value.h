@@ -144,46 +144,117 @@ bool GreaterThanNoCase(const MacroValue& left, const MacroValue& right);
 // An ordered, keyed collection. Every element has exactly one key; numeric keys are decimal texts,
 // so the index 3 and the key "3" name one element.
 //
-// Representation: elements in insertion order, each with its key text, plus a key-text-ordered map
-// to element indices. While the keys are exactly "0", "1", ... "n-1" in element order (an array
-// built by appending, the common case) the array is "dense": the map is not kept and a key is
-// found by reading it as a number, so appending costs no map node and no key comparison. Any
-// other key turns the array sparse (the map is built then); renumbering makes it dense again when
-// every key is an integer.
+// Keys. While the keys are exactly "0", "1", ... "n-1" in element order (an array built by
+// PushBack, Array(...) or String_Split, or renumbered by PushFront/PopFront: the common case) the
+// array is "dense" and keeps no key text at all: a key is found by reading it as a number and
+// written out as decimal text only when asked for. The first key that breaks the sequence (a string
+// key, "01", "1.0", a gap) makes the array "keyed": from then on it keeps each element's key text
+// and a key-text-ordered map to positions. Renumbering makes it dense again when every key is an
+// integer, and so does removing the last element of a keyed array whose nextIndex is back at 0.
 //
-// nextIndex: the next key an append uses. Creating an element under an integer key (IsIntegerText)
-// whose value is >= nextIndex moves nextIndex just past it, so an append never reuses a numeric
-// key (as PHP does: after keys 0 and 5 the next append uses 6). PopBack of the element whose key is
-// nextIndex - 1 moves nextIndex back to that key, so a stack used with PushBack/PopBack keeps the
-// keys 0..n-1. Renumbering (PushFront, PopFront) gives the integer keys 0..m-1 in element order and
-// sets nextIndex to m.
+// nextIndex: the next key an append uses (always the size in a dense array). Creating an element
+// under an integer key (IsIntegerText) whose value is >= nextIndex moves nextIndex just past it, so
+// an append never reuses a numeric key (after keys 0 and 5 the next append uses 6). PopBack of the
+// element whose key is nextIndex - 1 moves nextIndex back to that key, so a stack used with
+// PushBack/PopBack keeps the keys 0..n-1. Renumbering (PushFront, PopFront) gives the integer keys
+// 0..m-1 in element order and sets nextIndex to m.
 //
-// Arrays hold their elements by shared reference, so an array can be made to contain itself; such a
-// cycle is never freed (there is no collector), but Describe and equality stop at it instead of
-// recursing for ever. Nesting depth is not bounded by anything, so Describe, equality and the
-// destructor work without recursion.
+// Values. Element values are held in place, in one vector in element order: no allocation per
+// element. Two uses need more than that:
+// - ForEach visits the values the array held when the loop began. Snapshot() shares the value
+//   vector with the loop instead of copying it; while a loop holds it, the array copies the vector
+//   before its first change (copy on write), so the loop never sees a change.
+// - A caller that holds an element while the array may change under it (a built-in's by-reference
+//   argument while the later arguments run, a scope's variable) takes a handle with FindOrCreate or
+//   Handle: the element's value moves into a cell of its own that the array and the handle share
+//   ("boxed"). A boxed element stays put however the array grows, and a removed one lives on in its
+//   handle, as a value of its own.
+// Plain references (At, ValueAt, FindOrCreateValue, FindValue) stay valid only until the array next changes.
+//
+// An array can be made to contain itself; such a cycle is never freed (there is no collector), but
+// Describe and equality stop at it instead of recursing for ever. Nesting depth is not bounded by
+// anything, so Describe, equality and the destructor work without recursion.
 class MacroArray {
 public:
+    using Values = std::vector<MacroValue>;
+
+    // One element as seen from outside: its key text (written out on demand in a dense array) and
+    // its value.
     struct Element {
         std::u16string key;
-        ValueRef value;
+        const MacroValue* value;
+    };
+    // The elements in element order, each made when it is read.
+    class ElementView {
+    public:
+        class Iterator {
+        public:
+            Iterator(const MacroArray* array, std::size_t i) : array_(array), i_(i) {}
+            Element operator*() const { return (*array_).ElementAt(i_); }
+            Iterator& operator++() {
+                ++i_;
+                return *this;
+            }
+            bool operator!=(const Iterator& other) const { return i_ != other.i_; }
+
+        private:
+            const MacroArray* array_;
+            std::size_t i_;
+        };
+        explicit ElementView(const MacroArray* array) : array_(array) {}
+        std::size_t size() const { return array_->size(); }
+        bool empty() const { return array_->empty(); }
+        Element operator[](std::size_t i) const { return array_->ElementAt(i); }
+        Element front() const { return array_->ElementAt(0); }
+        Element back() const { return array_->ElementAt(array_->size() - 1); }
+        Iterator begin() const { return Iterator(array_, 0); }
+        Iterator end() const { return Iterator(array_, array_->size()); }
+
+    private:
+        const MacroArray* array_;
     };
 
     MacroArray() = default;
-    MacroArray(const MacroArray&) = default;  // shallow: the copy shares the element values
+    // A copy shares the value vector until either side changes it, and shares the boxed elements.
+    MacroArray(const MacroArray& other);
     MacroArray(MacroArray&&) noexcept = default;
-    MacroArray& operator=(const MacroArray&) = default;
+    MacroArray& operator=(const MacroArray& other);
     MacroArray& operator=(MacroArray&&) noexcept = default;
     ~MacroArray();
 
-    std::size_t size() const noexcept { return elements_.size(); }
-    bool empty() const noexcept { return elements_.empty(); }
-    const std::vector<Element>& elements() const noexcept { return elements_; }
+    std::size_t size() const noexcept { return values_ ? values_->size() : 0; }
+    bool empty() const noexcept { return size() == 0; }
+    ElementView elements() const noexcept { return ElementView(this); }
+    Element ElementAt(std::size_t i) const;
+
+    // The value at a position; At prepares the array for a change through the reference.
+    const MacroValue& ValueAt(std::size_t i) const {
+        return !boxes_.empty() && boxes_[i] ? *boxes_[i] : (*values_)[i];
+    }
+    MacroValue& At(std::size_t i) {
+        if (!boxes_.empty() && boxes_[i]) return *boxes_[i];
+        return OwnedAt(i);
+    }
+    // The value at a position that the caller has boxed (Handle): the scope's fast path.
+    MacroValue& BoxedAt(std::size_t i) const { return *boxes_[i]; }
+    // The key of the element at a position; buffer (24 units) holds the text when the array keeps
+    // none.
+    std::u16string_view KeyAt(std::size_t i, char16_t* buffer) const;
 
     // The element under the key, or null.
-    ValueRef Find(std::u16string_view key) const;
+    const MacroValue* FindValue(std::u16string_view key) const;
     // The element under the key, appended empty when missing.
+    MacroValue& FindOrCreateValue(std::u16string_view key);
+    // The same element as a handle (boxing it, see above).
     ValueRef FindOrCreate(std::u16string_view key);
+    ValueRef Handle(std::size_t i);
+    // The element's position, or npos.
+    static constexpr std::size_t npos = static_cast<std::size_t>(-1);
+    std::size_t IndexOf(std::u16string_view key) const;
+    // The position of the element under the key, appended empty when missing.
+    std::size_t FindOrCreateIndex(std::u16string_view key);
+    // Appends an element under a key that must not exist yet; returns its value.
+    MacroValue& Append(std::u16string key, MacroValue value);
     // Appends under the decimal text of the next index.
     void PushBack(MacroValue value);
     // Inserts at the front, then renumbers the integer keys from 0 in element order; string keys stay.
@@ -192,40 +263,41 @@ public:
     // renumbers the integer keys from 0.
     MacroValue PopBack();
     MacroValue PopFront();
+    void Reserve(std::size_t n);
 
-    // Element indices in key-text order (the order of the log and of equality).
+    // The values in element order as they are now, unchanged by later changes to the array: shared
+    // with the array until it changes (see above). Null for an empty array.
+    std::shared_ptr<const Values> Snapshot() const;
+
+    // Element positions in key-text order (the order of the log and of equality).
     std::vector<std::size_t> KeyOrder() const;
 
     std::int64_t nextIndex() const noexcept { return nextIndex_; }
-
-    // Raw access for the evaluator's hot path, without reference-count traffic. The pointer or
-    // reference stays valid while the element stays in the array (elements are held by shared
-    // reference, so a growing array does not move them).
-    MacroValue* FindValue(std::u16string_view key) const;
-    MacroValue& FindOrCreateValue(std::u16string_view key);
-    // The element's position in elements(), or npos.
-    static constexpr std::size_t npos = static_cast<std::size_t>(-1);
-    std::size_t IndexOf(std::u16string_view key) const;
-    // The position of the element under the key, appended empty when missing.
-    std::size_t FindOrCreateIndex(std::u16string_view key);
-    // Appends an element under a key that must not exist yet; returns its value.
-    MacroValue& Append(std::u16string key, MacroValue value);
-    void Reserve(std::size_t n) { elements_.reserve(n); }
     // Whether the keys are exactly "0".."n-1" in element order (see above).
-    bool dense() const noexcept { return dense_; }
+    bool dense() const noexcept { return keys_ == nullptr; }
 
     friend bool operator==(const MacroArray& left, const MacroArray& right);
 
 private:
-    void MakeSparse();
+    // The key texts of a keyed array: one per element, and the map from text to position.
+    struct Keys {
+        std::vector<std::u16string> text;
+        std::map<std::u16string, std::size_t, std::less<>> positions;
+    };
+
+    void Own();
+    MacroValue& OwnedAt(std::size_t i);
+    void MakeKeyed();
+    void AddKeyed(std::u16string key, MacroValue value);
+    void PushDense(MacroValue&& value);
     void NoteIntegerKey(std::u16string_view key);
     void Renumber();
-    void PushDense(MacroValue&& value);
+    MacroValue TakeValue(std::size_t i);
 
-    std::vector<Element> elements_;
-    std::map<std::u16string, std::size_t, std::less<>> keys_;  // kept only while !dense_
+    std::shared_ptr<Values> values_;  // null until the first element; shared with snapshots only
+    std::vector<ValueRef> boxes_;     // empty, or one per element: non-null where the value is boxed
+    std::unique_ptr<Keys> keys_;      // null while dense
     std::int64_t nextIndex_ = 0;
-    bool dense_ = true;
 };
 
 // A macro object of the object model (a OneNote element, a dialog box): the evaluator reads and

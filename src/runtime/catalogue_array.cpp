@@ -13,7 +13,7 @@ MacroValue Count(std::size_t n) { return MacroValue(static_cast<std::int32_t>(n)
 
 // A key that is the decimal text of a 32-bit integer ("0", "17", "-3") reads back as that
 // integer; every other key ("007", "name", "99999999999") stays a text.
-MacroValue KeyValue(const std::u16string& key) {
+MacroValue KeyValue(std::u16string_view key) {
     if (IsIntegerText(key) && key.size() <= 11) {
         std::string ascii(key.begin(), key.end());
         std::int32_t n = 0;
@@ -43,6 +43,7 @@ MacroArray& PopSource(const Argument& arg, std::u16string_view notAnArray, std::
 
 MacroValue Array(RuntimeServices&, std::span<Argument> args) {
     auto array = std::make_shared<MacroArray>();
+    array->Reserve(args.size());
     for (auto& arg : args) array->PushBack(std::move(arg.value));
     return MacroValue(std::move(array));
 }
@@ -50,20 +51,22 @@ MacroValue Array(RuntimeServices&, std::span<Argument> args) {
 MacroValue ArrayJoin(RuntimeServices&, std::span<Argument> args) {
     if (args[0].value.kind() != Kind::Array) FailMacro(msg::kArrayJoinExpectsArray);
     const std::u16string glue = args[1].value.AsString();
+    const MacroArray& array = *args[0].value.array();
     std::u16string joined;
-    bool first = true;
-    for (const auto& element : args[0].value.array()->elements()) {
-        if (!first) joined += glue;
-        first = false;
-        if (element.value) joined += element.value->AsString();
+    for (std::size_t i = 0; i < array.size(); ++i) {
+        if (i != 0) joined += glue;
+        joined += array.ValueAt(i).AsString();
     }
     return MacroValue(std::move(joined));
 }
 
 MacroValue ArrayKeys(RuntimeServices&, std::span<Argument> args) {
     if (args[0].value.kind() != Kind::Array) FailMacro(msg::kArrayKeysExpectsArray);
+    const MacroArray& array = *args[0].value.array();
     auto keys = std::make_shared<MacroArray>();
-    for (const auto& element : args[0].value.array()->elements()) keys->PushBack(KeyValue(element.key));
+    keys->Reserve(array.size());
+    char16_t buffer[24];
+    for (std::size_t i = 0; i < array.size(); ++i) keys->PushBack(KeyValue(array.KeyAt(i, buffer)));
     return MacroValue(std::move(keys));
 }
 

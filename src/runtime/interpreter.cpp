@@ -195,26 +195,18 @@ Interpreter::Flow Interpreter::executeForEach(const M2::ForEach& statement) {
     if (value.IsEmpty()) return Flow::Next;
     if (value.kind() != Kind::Array || !value.array()) FailWithoutText();
 
-    // The loop visits the values the array held when it started, however the body changes it.
-    const MacroArray& array = *value.array();
-    std::vector<MacroValue> snapshot;
-    snapshot.reserve(array.size());
-    for (const auto& element : array.elements()) {
-        if (element.value) {
-            snapshot.push_back(*element.value);  // copied in place, not through a temporary
-        } else {
-            snapshot.emplace_back();
-        }
-    }
+    // The loop visits the values the array held when it started, however the body changes it:
+    // the snapshot shares the array's values until the array changes (then the array copies them).
+    const std::shared_ptr<const MacroArray::Values> snapshot = value.array()->Snapshot();
     value = MacroValue();
 
     // The loop variable's slot, found once: variables stay where they are while their scope lives,
     // and the body runs in this same scope (a function call it makes returns to it). An empty
     // collection leaves the variable as it was (not even created).
-    if (snapshot.empty()) return Flow::Next;
+    if (!snapshot) return Flow::Next;
     MacroValue& variable = evaluator_->scope().Variable(name);
-    for (MacroValue& element : snapshot) {
-        variable = std::move(element);
+    for (const MacroValue& element : *snapshot) {
+        variable = element;
         switch (runLoopBody(statement.statements)) {
             case LoopStep::Again: break;
             case LoopStep::End: return Flow::Next;

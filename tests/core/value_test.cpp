@@ -407,31 +407,16 @@ std::string Keys(const MacroArray& a) {
     return out;
 }
 
-// Element values come from a bounded block pool and, past it, from the general allocator: arrays
-// larger than the pool, dropped and built again, keep every value and free every block.
-TEST(Arrays, ArraysLargerThanTheElementPoolKeepEveryValue) {
-    for (int round = 0; round < 2; ++round) {
-        auto array = std::make_shared<MacroArray>();
-        const std::int32_t n = 300000;  // more elements than the pool has blocks
-        for (std::int32_t i = 0; i < n; ++i) array->PushBack(MacroValue(i));
-        ASSERT_EQ(array->size(), static_cast<std::size_t>(n));
-        std::int64_t sum = 0;
-        for (const auto& element : array->elements()) sum += element.value->integer();
-        EXPECT_EQ(sum, std::int64_t{n} * (n - 1) / 2);
-        EXPECT_EQ(array->Find(u"299999")->integer(), n - 1);
-    }
-}
-
 TEST(Arrays, PushBackUsesNextIndex) {
     MacroArray a;
     a.PushBack(Int(10));
     a.PushBack(Int(11));
     EXPECT_EQ(Keys(a), "0,1,");
     EXPECT_TRUE(a.dense());
-    EXPECT_EQ(a.Find(u"1")->integer(), 11);
-    EXPECT_EQ(a.Find(u"01"), nullptr);
-    EXPECT_EQ(a.Find(u"2"), nullptr);
-    EXPECT_EQ(a.Find(u"-1"), nullptr);
+    EXPECT_EQ(a.FindValue(u"1")->integer(), 11);
+    EXPECT_EQ(a.FindValue(u"01"), nullptr);
+    EXPECT_EQ(a.FindValue(u"2"), nullptr);
+    EXPECT_EQ(a.FindValue(u"-1"), nullptr);
     EXPECT_EQ(a.nextIndex(), 2);
 }
 
@@ -449,7 +434,7 @@ TEST(Arrays, IntegerKeysMoveNextIndexPastThem) {
     EXPECT_EQ(a.nextIndex(), 8);
     a.FindOrCreateValue(u"007");  // an integer text: 7 < 8, no change, and a key of its own
     EXPECT_EQ(a.size(), 7u);
-    EXPECT_NE(a.Find(u"007"), a.Find(u"7"));
+    EXPECT_NE(a.FindValue(u"007"), a.FindValue(u"7"));
     a.FindOrCreateValue(u"-4");
     EXPECT_EQ(a.nextIndex(), 8);
     // Key order is text order.
@@ -472,7 +457,7 @@ TEST(Arrays, FindOrCreateAppendsEmptyAndFindsExisting) {
     EXPECT_EQ(b.FindOrCreateValue(u"0").integer(), 1);
     b.FindOrCreateValue(u"3");
     EXPECT_FALSE(b.dense());
-    EXPECT_EQ(b.Find(u"1")->integer(), 2);
+    EXPECT_EQ(b.FindValue(u"1")->integer(), 2);
     EXPECT_EQ(b.nextIndex(), 4);
 }
 
@@ -483,13 +468,13 @@ TEST(Arrays, PushFrontAndPopFrontRenumberIntegerKeys) {
     a.PushBack(Str(u"b"));
     a.PushFront(Str(u"z"));
     EXPECT_EQ(Keys(a), "0,1,k,2,");
-    EXPECT_EQ(a.Find(u"0")->string(), u"z");
-    EXPECT_EQ(a.Find(u"2")->string(), u"b");
+    EXPECT_EQ(a.FindValue(u"0")->string(), u"z");
+    EXPECT_EQ(a.FindValue(u"2")->string(), u"b");
     EXPECT_EQ(a.nextIndex(), 3);
     EXPECT_EQ(a.PopFront().string(), u"z");
     EXPECT_EQ(Keys(a), "0,k,1,");
-    EXPECT_EQ(a.Find(u"1")->string(), u"b");
-    EXPECT_EQ(a.Find(u"k")->string(), u"k");
+    EXPECT_EQ(a.FindValue(u"1")->string(), u"b");
+    EXPECT_EQ(a.FindValue(u"k")->string(), u"k");
     EXPECT_EQ(a.PopFront().string(), u"a");
     EXPECT_EQ(Keys(a), "k,0,");
     EXPECT_EQ(a.PopFront().string(), u"k");  // a string-keyed first element goes too
@@ -505,7 +490,7 @@ TEST(Arrays, PushFrontAndPopFrontRenumberIntegerKeys) {
     b.PushFront(Int(0));
     EXPECT_EQ(Keys(b), "0,1,2,");
     EXPECT_TRUE(b.dense());
-    EXPECT_EQ(b.Find(u"2")->integer(), -3);
+    EXPECT_EQ(b.FindValue(u"2")->integer(), -3);
     EXPECT_EQ(b.nextIndex(), 3);
 }
 
@@ -522,7 +507,7 @@ TEST(Arrays, PopBackGivesTheLastAndReusesItsIndex) {
     a.FindOrCreateValue(u"s") = Int(9);
     EXPECT_EQ(a.PopBack().integer(), 9);
     EXPECT_EQ(a.nextIndex(), 3);
-    EXPECT_EQ(a.Find(u"s"), nullptr);
+    EXPECT_EQ(a.FindValue(u"s"), nullptr);
     a.PushBack(Int(5));
     EXPECT_EQ(Keys(a), "0,1,2,3,");
     EXPECT_THROW(MacroArray().PopBack(), std::invalid_argument);
@@ -532,10 +517,95 @@ TEST(Arrays, PopBackGivesTheLastAndReusesItsIndex) {
 TEST(Arrays, PoppedValueIsIndependentOfOtherHolders) {
     MacroArray a;
     a.PushBack(Str(u"x"));
-    ValueRef held = a.Find(u"0");
+    ValueRef held = a.FindOrCreate(u"0");
     MacroValue popped = a.PopBack();
     EXPECT_EQ(popped.string(), u"x");
     EXPECT_EQ(held->string(), u"x");  // copied, not moved out from under the holder
+}
+
+// Whether an array is dense or keyed does not show: the same keys and values compare equal and
+// print alike in either form, and keys that only look like indexes ("01", "1.0") stay keys.
+TEST(Arrays, DenseAndKeyedFormsCompareAndPrintAlike) {
+    auto dense = std::make_shared<MacroArray>();
+    for (std::int32_t i = 0; i < 12; ++i) dense->PushBack(Int(i));
+    auto keyed = std::make_shared<MacroArray>();  // the same keys, created from the last
+    for (std::int32_t i = 11; i >= 0; --i) keyed->FindOrCreateValue(IntegerText(i)) = Int(i);
+    ASSERT_TRUE(dense->dense());
+    ASSERT_FALSE(keyed->dense());
+    EXPECT_TRUE(Equals(MacroValue(dense), MacroValue(keyed)));
+    EXPECT_TRUE(Equals(MacroValue(keyed), MacroValue(dense)));
+    EXPECT_EQ(MacroValue(dense).Describe(), MacroValue(keyed).Describe());
+
+    struct Case {
+        std::vector<std::u16string_view> keys;  // of an array holding 0, 1, ... under them
+        bool equalToDense;                      // to the dense array 0, 1
+    };
+    const Case cases[] = {
+        {{u"1", u"0"}, true},
+        {{u"0", u"01"}, false},
+        {{u"0", u"1.0"}, false},
+        {{u"0", u" 1"}, false},
+        {{u"0", u"-1"}, false},
+    };
+    MacroValue two = Arr({Int(0), Int(1)});
+    for (const Case& c : cases) {
+        auto other = std::make_shared<MacroArray>();
+        for (std::u16string_view key : c.keys) other->FindOrCreateValue(key) = Int(key == u"0" ? 0 : 1);
+        EXPECT_EQ(Equals(two, MacroValue(other)), c.equalToDense) << ToUtf8(c.keys[1]);
+        EXPECT_EQ(Equals(MacroValue(other), two), c.equalToDense) << ToUtf8(c.keys[1]);
+        EXPECT_EQ(other->FindValue(u"1") != nullptr, c.equalToDense) << ToUtf8(c.keys[1]);
+    }
+}
+
+// A snapshot keeps the values of its moment whatever happens to the array afterwards, and the
+// array sees its own changes.
+TEST(Arrays, SnapshotKeepsTheValuesOfItsMoment) {
+    struct Case {
+        const char* change;
+        void (*apply)(MacroArray&);
+        std::string keysAfter;
+    };
+    const Case cases[] = {
+        {"PushBack", [](MacroArray& a) { a.PushBack(Int(9)); }, "0,1,2,3,"},
+        {"PushFront", [](MacroArray& a) { a.PushFront(Int(9)); }, "0,1,2,3,"},
+        {"PopBack", [](MacroArray& a) { a.PopBack(); }, "0,1,"},
+        {"PopFront", [](MacroArray& a) { a.PopFront(); }, "0,1,"},
+        {"write", [](MacroArray& a) { a.FindOrCreateValue(u"1") = Int(9); }, "0,1,2,"},
+        {"string key", [](MacroArray& a) { a.FindOrCreateValue(u"k") = Int(9); }, "0,1,2,k,"},
+        {"handle", [](MacroArray& a) { *a.FindOrCreate(u"1") = Int(9); }, "0,1,2,"},
+    };
+    for (const Case& c : cases) {
+        MacroArray a;
+        for (std::int32_t i = 0; i < 3; ++i) a.PushBack(Int(i));
+        const auto snapshot = a.Snapshot();
+        c.apply(a);
+        ASSERT_EQ(snapshot->size(), 3u) << c.change;
+        for (std::int32_t i = 0; i < 3; ++i) EXPECT_EQ((*snapshot)[i].integer(), i) << c.change;
+        EXPECT_EQ(Keys(a), c.keysAfter) << c.change;
+    }
+    EXPECT_EQ(MacroArray().Snapshot(), nullptr);
+}
+
+// A handle stays its element's while the array grows, shifts and takes snapshots; once the element
+// is removed, the handle keeps a value of its own.
+TEST(Arrays, HandlesFollowTheirElement) {
+    MacroArray a;
+    a.PushBack(Int(0));
+    ValueRef handle = a.FindOrCreate(u"0");
+    EXPECT_EQ(a.FindOrCreate(u"0"), handle);
+    for (std::int32_t i = 1; i < 1000; ++i) a.PushBack(Int(i));
+    *handle = Int(-1);
+    EXPECT_EQ(a.FindValue(u"0")->integer(), -1);
+    const auto snapshot = a.Snapshot();
+    *handle = Int(-2);  // changed through the handle: the snapshot keeps what it saw
+    EXPECT_EQ((*snapshot)[0].integer(), -1);
+    a.PushFront(Int(5));
+    EXPECT_EQ(a.FindValue(u"1")->integer(), -2);
+    EXPECT_EQ(a.PopFront().integer(), 5);
+    EXPECT_EQ(a.PopFront().integer(), -2);
+    *handle = Int(7);
+    EXPECT_EQ(a.FindValue(u"0")->integer(), 1);
+    EXPECT_EQ(a.size(), 999u);
 }
 
 TEST(Arrays, SharedByReference) {
@@ -560,7 +630,7 @@ TEST(Arrays, LargeDenseArray) {
     MacroArray a;
     for (int i = 0; i < 100'000; ++i) a.PushBack(Int(i));
     EXPECT_TRUE(a.dense());
-    EXPECT_EQ(a.Find(u"99999")->integer(), 99999);
+    EXPECT_EQ(a.FindValue(u"99999")->integer(), 99999);
     EXPECT_EQ(a.KeyOrder().size(), 100'000u);
     EXPECT_EQ(a.elements()[a.KeyOrder()[2]].key, u"10");
 }

@@ -73,6 +73,39 @@ TEST(ArrayBuiltins, PushAndPopChangeTheCallersArray) {
     for (const auto& c : cases) RunCase(c);
 }
 
+// Keys that only look like indexes stay keys of their own, and removals leave the keys the
+// macro expects, whether the array keeps key texts or not.
+TEST(ArrayBuiltins, KeysThroughChangesOfForm) {
+    const Case cases[] = {
+        {{u"$a = Array(\"x\", \"y\")", u"$a[\"01\"] = 1", u"$a[\"1.0\"] = 2", u"$a[1]"}, u"y (string)",
+         u"0=x|1=y|01=1|1.0=2"},
+        {{u"$a = Array(\"x\")", u"$a[\"k\"] = 1", u"$a[\"0\"] = \"z\"", u"$a[0]"}, u"z (string)", u"0=z|k=1"},
+        {{u"$a = Array(\"x\")", u"$a[5] = \"y\"", u"Array_PushBack($a, \"z\")"}, u"3 (integer)", u"0=x|5=y|6=z"},
+        // PopFront renumbers "01" as the integer it is; "1.0" is a text.
+        {{u"$a = Array(1, 2)", u"$a[\"01\"] = 3", u"$a[\"1.0\"] = 4", u"Array_PopFront($a)"}, u"1 (string)",
+         u"0=2|1=3|1.0=4"},
+        {{u"$a = Array(1)", u"$a[\"k\"] = 2", u"Array_PopBack($a)", u"Array_PopBack($a)", u"Array_PushBack($a, 5)"},
+         u"1 (integer)", u"0=5"},
+        {{u"$a = Array(1, 2, 3)", u"Array_PopFront($a)", u"Array_Join(Array_Keys($a), \",\")"}, u"0,1 (string)"},
+    };
+    for (const auto& c : cases) RunCase(c);
+}
+
+// An element passed by reference is the one the call writes to, even when a later argument grows
+// or shrinks its array (the element then lives on its own).
+TEST(ArrayBuiltins, ElementArgumentsSurviveLaterArguments) {
+    const Case cases[] = {
+        {{u"$a = Array()", u"Array_PushBack($a[0], Array_PushBack($a, 7))", u"Array_Join($a[0], \",\")"},
+         u"2 (string)"},
+        {{u"$a = Array()", u"Array_PushBack($a[0], Array_PushBack($a, 7))", u"$a[1]"}, u"7 (string)"},
+        {{u"$a = Array(1, 2, $unset)", u"Array_PushBack($a[2], Array_PopBack($a))"}, u"1 (integer)", u"0=1|1=2"},
+        {{u"$a = Array(Array())", u"Array_PushBack($a[0][Array_PushBack($a, 9)], \"x\")",
+          u"Array_Join($a[0][2], \"\")"},
+         u"x (string)"},
+    };
+    for (const auto& c : cases) RunCase(c);
+}
+
 TEST(ArrayBuiltins, RefuseWhatIsNoArray) {
     const std::pair<std::u16string_view, std::u16string_view> cases[] = {
         // Join, Keys and the Pops refuse the unset value; Length and the Pushes take it as empty.
