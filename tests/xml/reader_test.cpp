@@ -89,8 +89,12 @@ TEST(XmlScan, RefusesWhatThePullReaderRefuses) {
          {std::string("<a>"), std::string("<a></b>"), std::string("<a x='1' x='2'/>"), std::string("<a>&e;</a>"),
           std::string("<!DOCTYPE a><a/>"), std::string("<a/><b/>"), std::string("<p:a/>"), std::string(""), tooDeep}) {
         SCOPED_TRACE(document.substr(0, 40));
-        // Wine's XmlLite takes a document without an element, or with its root never closed.
-        if ((document.empty() || document == "<a>") && qm::test::UnderWine()) continue;
+        // Wine's XmlLite takes a document without an element or with its root never closed, a
+        // repeated attribute, an undefined entity and an undeclared prefix.
+        if (qm::test::UnderWine() && (document.empty() || document == "<a>" || document == "<a x='1' x='2'/>" ||
+                                      document == "<a>&e;</a>" || document == "<p:a/>")) {
+            continue;
+        }
         Transcript t;
         EXPECT_THROW(ScanUtf8Document(document, t), XmlError);
         EXPECT_THROW(
