@@ -1,9 +1,11 @@
-// Holders for everything COM hands out that must be given back: interface pointers (Release),
-// BSTRs (SysFreeString) and VARIANTs (VariantClear). Each owns exactly one reference or
-// allocation and gives it back when it goes; none is copied by accident.
+// Holders for everything COM hands out that must be given back: interface pointers (Release; the
+// holder lives in xml/com_ptr_win32.h for the layers below), BSTRs (SysFreeString) and VARIANTs
+// (VariantClear). Each owns exactly one reference or allocation and gives it back when it goes;
+// none is copied by accident.
 #pragma once
 
 #include "addin/win32.h"
+#include "xml/com_ptr_win32.h"
 
 #include <string>
 #include <string_view>
@@ -11,56 +13,7 @@
 
 namespace qm::addin {
 
-template <class T>
-class ComPtr {
-public:
-    ComPtr() = default;
-    // Takes over a reference the caller owns.
-    static ComPtr Adopt(T* raw) noexcept {
-        ComPtr p;
-        p.ptr_ = raw;
-        return p;
-    }
-    // Adds a reference of its own.
-    static ComPtr Share(T* raw) noexcept {
-        if (raw) raw->AddRef();
-        return Adopt(raw);
-    }
-    ComPtr(const ComPtr& other) noexcept : ptr_(other.ptr_) {
-        if (ptr_) ptr_->AddRef();
-    }
-    ComPtr(ComPtr&& other) noexcept : ptr_(std::exchange(other.ptr_, nullptr)) {}
-    ComPtr& operator=(ComPtr other) noexcept {
-        std::swap(ptr_, other.ptr_);
-        return *this;
-    }
-    ~ComPtr() { Reset(); }
-
-    void Reset() noexcept {
-        if (T* old = std::exchange(ptr_, nullptr)) old->Release();
-    }
-    T* get() const noexcept { return ptr_; }
-    T* operator->() const noexcept { return ptr_; }
-    explicit operator bool() const noexcept { return ptr_ != nullptr; }
-    // For out parameters: releases what is held first.
-    T** Out() noexcept {
-        Reset();
-        return &ptr_;
-    }
-    // Hands the reference to the caller.
-    T* Detach() noexcept { return std::exchange(ptr_, nullptr); }
-
-    // The object's interface U, or null when it has none.
-    template <class U>
-    ComPtr<U> As(const IID& iid) const noexcept {
-        ComPtr<U> other;
-        if (ptr_ && FAILED(ptr_->QueryInterface(iid, reinterpret_cast<void**>(other.Out())))) other.Reset();
-        return other;
-    }
-
-private:
-    T* ptr_ = nullptr;
-};
+using qm::ComPtr;
 
 // UTF-16 on both sides: char16_t and wchar_t are the same code units on Windows.
 inline const wchar_t* Wide(std::u16string_view text) { return reinterpret_cast<const wchar_t*>(text.data()); }

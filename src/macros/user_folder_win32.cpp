@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include "macros/user_folder.h"
+#include "xml/com_ptr_win32.h"
 
 namespace qm::platform {
 namespace {
@@ -24,32 +25,16 @@ private:
     HRESULT hr_;
 };
 
-template <typename T>
-class ComPtr {
-public:
-    ComPtr() = default;
-    ~ComPtr() {
-        if (p_ != nullptr) p_->Release();
-    }
-    ComPtr(const ComPtr&) = delete;
-    ComPtr& operator=(const ComPtr&) = delete;
-    T** out() { return &p_; }
-    T* operator->() const { return p_; }
-
-private:
-    T* p_ = nullptr;
-};
-
 // The roaming application data folder from the Known Folder Manager; empty when it cannot tell.
 std::filesystem::path RoamingAppData() {
     ComScope com;
     ComPtr<IKnownFolderManager> manager;
     if (FAILED(::CoCreateInstance(CLSID_KnownFolderManager, nullptr, CLSCTX_INPROC_SERVER, IID_IKnownFolderManager,
-                                  reinterpret_cast<void**>(manager.out())))) {
+                                  reinterpret_cast<void**>(manager.Out())))) {
         return {};
     }
     ComPtr<IKnownFolder> folder;
-    if (FAILED(manager->GetFolder(FOLDERID_RoamingAppData, folder.out()))) return {};
+    if (FAILED(manager->GetFolder(FOLDERID_RoamingAppData, folder.Out()))) return {};
     PWSTR path = nullptr;
     if (FAILED(folder->GetPath(0, &path)) || path == nullptr) return {};
     std::filesystem::path result(path);

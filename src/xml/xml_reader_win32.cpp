@@ -17,6 +17,7 @@
 #include "core/text.h"
 #include "xml/messages.h"
 #include "xml/reader_prolog.h"
+#include "xml/com_ptr_win32.h"
 #include "xml/xml_chars.h"
 #include "xml/xml_error.h"
 #include "xml/xml_reader.h"
@@ -47,23 +48,6 @@ const XmlLite& LoadXmlLite() {
     }();
     return lite;
 }
-
-template <typename T>
-class Com {
-public:
-    Com() = default;
-    ~Com() {
-        if (p_ != nullptr) p_->Release();
-    }
-    Com(const Com&) = delete;
-    Com& operator=(const Com&) = delete;
-    T** out() { return &p_; }
-    T* get() const { return p_; }
-    T* operator->() const { return p_; }
-
-private:
-    T* p_ = nullptr;
-};
 
 NodeType MapNodeType(XmlNodeType type) {
     switch (type) {
@@ -137,15 +121,15 @@ public:
             throw XmlError(std::u16string(msg::kXmlLiteUnavailable), 0, 0);
         }
         const std::string utf8 = ToShieldedUtf8(text, shield_);
-        Com<IStream> stream;
-        *stream.out() = ::SHCreateMemStream(reinterpret_cast<const BYTE*>(utf8.data()), static_cast<UINT>(utf8.size()));
-        Com<IUnknown> input;
+        ComPtr<IStream> stream;
+        *stream.Out() = ::SHCreateMemStream(reinterpret_cast<const BYTE*>(utf8.data()), static_cast<UINT>(utf8.size()));
+        ComPtr<IUnknown> input;
         // No DTD (the default, said anyway), no resolver (nothing is fetched) and no depth cap of
         // XmlLite's own (256 by default, too low for a deep expression): Read applies
         // kMaxElementDepth instead.
         if (stream.get() == nullptr ||
-            FAILED(lite.createReader(__uuidof(IXmlReader), reinterpret_cast<void**>(reader_.out()), nullptr)) ||
-            FAILED(lite.createInput(stream.get(), nullptr, L"utf-8", FALSE, nullptr, input.out())) ||
+            FAILED(lite.createReader(__uuidof(IXmlReader), reinterpret_cast<void**>(reader_.Out()), nullptr)) ||
+            FAILED(lite.createInput(stream.get(), nullptr, L"utf-8", FALSE, nullptr, input.Out())) ||
             FAILED(reader_->SetProperty(XmlReaderProperty_DtdProcessing, DtdProcessing_Prohibit)) ||
             FAILED(reader_->SetProperty(XmlReaderProperty_XmlResolver, 0)) ||
             FAILED(reader_->SetProperty(XmlReaderProperty_MaxElementDepth, 0)) ||
@@ -269,7 +253,7 @@ private:
         return {reinterpret_cast<const char16_t*>(text), length};
     }
 
-    Com<IXmlReader> reader_;
+    ComPtr<IXmlReader> reader_;
     bool declared_;
     ShieldOptions shield_;
     bool onAttribute_ = false;
