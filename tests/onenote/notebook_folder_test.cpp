@@ -266,15 +266,16 @@ TEST_F(NotebookFolderTest, PagesSentAsARunSendsThemAreRefusedWithOneNoteCodes) {
         std::u16string page;
         std::uint32_t code;
         std::u16string_view text;
+        bool underWine = true;  // Wine's XmlLite misses open elements at the end, repeats and undefined entities
     };
     const std::u16string_view notWellFormed = u"The XML is not well-formed.";
     const Case cases[] = {
-        {good.substr(0, good.size() / 2), 0x80042000, notWellFormed},
-        {good.substr(0, end), 0x80042000, notWellFormed},
+        {good.substr(0, good.size() / 2), 0x80042000, notWellFormed, false},
+        {good.substr(0, end), 0x80042000, notWellFormed, false},
         {good + u"<one:Page/>", 0x80042000, notWellFormed},
         {ReplaceAll(good, u"</one:Title>", u"</one:Titel>"), 0x80042000, notWellFormed},
-        {ReplaceAll(good, u"<one:Title", u"<one:Title x=\"&nosuch;\""), 0x80042000, notWellFormed},
-        {ReplaceAll(good, u"<one:Page ", u"<one:Page ID=\"{A}\" "), 0x80042000, notWellFormed},
+        {ReplaceAll(good, u"<one:Title", u"<one:Title x=\"&nosuch;\""), 0x80042000, notWellFormed, false},
+        {ReplaceAll(good, u"<one:Page ", u"<one:Page ID=\"{A}\" "), 0x80042000, notWellFormed, false},
         {ReplaceAll(good, u"<one:Title", u"<one:Title <"), 0x80042000, notWellFormed},
         {ReplaceAll(good, u"</one:Page>", u"</one:Page><!DOCTYPE x>"), 0x80042000, notWellFormed},
         {ReplaceAll(good, std::u16string(kWeeklySync), u"{nope}"), 0x80042005, u"The page does not exist."},
@@ -283,8 +284,7 @@ TEST_F(NotebookFolderTest, PagesSentAsARunSendsThemAreRefusedWithOneNoteCodes) {
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(ToUtf8(c.page.substr(std::min(c.page.size(), end - 40))));
-        // Wine's XmlLite does not notice elements left open at the end.
-        if (c.page.size() <= end && qm::test::UnderWine()) continue;
+        if (!c.underWine && qm::test::UnderWine()) continue;
         ExpectOneNoteError([&] { folder_->UpdatePageContent(c.page); }, c.code, c.text);
     }
     EXPECT_EQ(Read(folder_->PagePath(kWeeklySync)), before);
