@@ -5,6 +5,8 @@
 
 #include <string_view>
 
+#include "runtime/messages.h"
+
 namespace qm::onenote::msg {
 
 // Reading OneNote documents; [1] names the document (a file, or a page or object ID).
@@ -72,11 +74,10 @@ inline constexpr std::u16string_view kGenerateTooLarge = u"That is more than [1]
 inline constexpr std::u16string_view kUnknownObject = u"No notebook, section group, section or page has the ID \"[1]\"";
 
 // The macro object model: properties.
-inline constexpr std::u16string_view kUnknownProperty = u"A property named '[1]' on object of type '[2]' does not exist.";
-// The fixed text of each read-only property, "...'<name>' on object of type '[1]'", filled with the
-// type name: [1] the property, [2] the type.
-inline constexpr std::u16string_view kReadOnlyProperty =
-    u"Attempting to write read-only property '[1]' on object of type '[2]'";
+// Every object type words an unknown or read-only property alike, the dialog box too: one text
+// each, kept with the runtime's ([1] the property, [2] the type).
+using qm::msg::kReadOnlyProperty;
+using qm::msg::kUnknownProperty;
 // The type is the paragraph's element name, "OE", whatever type the object has.
 inline constexpr std::u16string_view kWriteOnlyProperty =
     u"Attempting to read write-only property '[1]' on object of type 'OE'";
