@@ -422,12 +422,14 @@ private:
     ValueRef ResolveArgumentSlot(const Expression& node, bool laterEffects) {
         ValueRef slot = scope_.Slot(std::get<M2::Var>(node.primary));
         const std::size_t count = node.members.size();
+        // The index expressions of the next steps run while a step's slot is held: a step is exposed
+        // to effects when an impure index comes after it, that is when it comes before the last one.
+        std::size_t lastImpureStep = 0;  // 0 also when there is none: no step comes before it
+        for (std::size_t k = 0; k < count; ++k) {
+            if (!IsPure(Node(std::get<M2::ExpressionPtr>(node.members[k])))) lastImpureStep = k;
+        }
         for (std::size_t step = 0; step < count; ++step) {
-            // The index expressions of the next steps run while this step's slot is held.
-            bool effectsWhileHeld = laterEffects;
-            for (std::size_t k = step + 1; k < count && !effectsWhileHeld; ++k) {
-                effectsWhileHeld = !IsPure(Node(std::get<M2::ExpressionPtr>(node.members[k])));
-            }
+            const bool effectsWhileHeld = laterEffects || step < lastImpureStep;
             Operand index = Eval(Node(std::get<M2::ExpressionPtr>(node.members[step])), false);
             KeyText key;
             if (!detail::TextOf(index, key.buffer, key.scratch, key.text)) ThrowIndexNeedsKey(index, node);
