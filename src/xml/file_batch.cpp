@@ -16,12 +16,35 @@ constexpr std::size_t kFlushers = 16;
 
 }  // namespace
 
+FileBatch::~FileBatch() { DropSpare(); }
+
+void FileBatch::DropSpare() noexcept {
+    if (spare_.empty()) return;
+    std::error_code ignored;
+    std::filesystem::remove(spare_, ignored);
+    spare_.clear();
+}
+
 void FileBatch::Replace(const std::filesystem::path& path, std::string_view bytes) {
-    WriteFileAtomically(path, bytes, false);
+    if (!spare_.empty() && spare_.parent_path() != path.parent_path()) DropSpare();
+    std::filesystem::path temp = spare_.empty() ? TemporaryBeside(path) : std::move(spare_);
+    spare_.clear();
+    WriteNewContent(temp, bytes, false, path);
+    if (ExchangeFiles(temp, path)) {
+        if (HasOtherNames(temp)) {
+            std::error_code ignored;
+            std::filesystem::remove(temp, ignored);
+        } else {
+            spare_ = std::move(temp);
+        }
+    } else {
+        MoveIntoPlace(temp, path);
+    }
     unsynced_.push_back(path);
 }
 
 void FileBatch::Sync() {
+    DropSpare();
     std::sort(unsynced_.begin(), unsynced_.end());
     unsynced_.erase(std::unique(unsynced_.begin(), unsynced_.end()), unsynced_.end());
     std::atomic<std::size_t> next{0};

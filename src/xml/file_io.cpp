@@ -52,25 +52,37 @@ std::string ReadFileBytes(const std::filesystem::path& path) {
     return bytes;
 }
 
-void WriteFileAtomically(const std::filesystem::path& path, std::string_view bytes, bool flush) {
+std::filesystem::path TemporaryBeside(const std::filesystem::path& path) {
     static std::atomic<unsigned> counter{0};
     const auto stamp = std::chrono::steady_clock::now().time_since_epoch().count();
     std::filesystem::path temp = path;
     temp += ".tmp" + std::to_string(stamp % 1000000007) + "-" + std::to_string(counter++);
-    {
-        File f = Open(temp, "wb");
-        if (!f) throw FileError(path, "cannot create a temporary file beside it");
-        bool ok = std::fwrite(bytes.data(), 1, bytes.size(), f.get()) == bytes.size();
-        ok = ok && std::fflush(f.get()) == 0;
-        if (ok && flush) SyncFile(f.get());
-        ok = ok && !std::ferror(f.get());
-        if (std::fclose(f.release()) != 0) ok = false;
-        if (!ok) {
-            std::error_code ignored;
-            std::filesystem::remove(temp, ignored);
-            throw FileError(path, "cannot write the file (is the disk full?)");
-        }
+    return temp;
+}
+
+void WriteNewContent(const std::filesystem::path& file, std::string_view bytes, bool flush,
+                     const std::filesystem::path& reported) {
+    File f = Open(file, "wb");
+    if (!f) throw FileError(reported, "cannot create a temporary file beside it");
+    bool ok = std::fwrite(bytes.data(), 1, bytes.size(), f.get()) == bytes.size();
+    ok = ok && std::fflush(f.get()) == 0;
+    if (ok && flush) SyncFile(f.get());
+    ok = ok && !std::ferror(f.get());
+    if (std::fclose(f.release()) != 0) ok = false;
+    if (!ok) {
+        std::error_code ignored;
+        std::filesystem::remove(file, ignored);
+        throw FileError(reported, "cannot write the file (is the disk full?)");
     }
+}
+
+void WriteFileAtomically(const std::filesystem::path& path, std::string_view bytes, bool flush) {
+    const std::filesystem::path temp = TemporaryBeside(path);
+    WriteNewContent(temp, bytes, flush, path);
+    MoveIntoPlace(temp, path);
+}
+
+void MoveIntoPlace(const std::filesystem::path& temp, const std::filesystem::path& path) {
     if (std::string error; !RenameOver(temp, path, error)) {
         std::error_code ignored;
         std::filesystem::remove(temp, ignored);

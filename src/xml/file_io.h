@@ -41,5 +41,19 @@ std::FILE* OpenFile(const std::filesystem::path& path, const char* mode);
 void SyncFile(std::FILE* file);
 // Renames `from` over `to` in one step, replacing `to`; false with `error` set when it cannot.
 bool RenameOver(const std::filesystem::path& from, const std::filesystem::path& to, std::string& error);
+// Swaps the names of two existing files in one step, where the platform and file system can: `to`
+// then names what `from` held and `from` the old file. False, with nothing changed, when it
+// cannot (no such step here, or `to` does not exist).
+bool ExchangeFiles(const std::filesystem::path& from, const std::filesystem::path& to);
+// Whether the file is reachable under a name other than this one (a hard link).
+bool HasOtherNames(const std::filesystem::path& path);
+// A name for a temporary file beside `path`, unique within this process and unlikely to be taken.
+std::filesystem::path TemporaryBeside(const std::filesystem::path& path);
+// Writes the bytes into the file, replacing what it held, and closes it (flushed to disk when
+// `flush`). Throws FileError naming `reported`; the file is removed when the write fails.
+void WriteNewContent(const std::filesystem::path& file, std::string_view bytes, bool flush,
+                     const std::filesystem::path& reported);
+// Renames the temporary file over `path`. Throws FileError; the temporary is removed then.
+void MoveIntoPlace(const std::filesystem::path& temp, const std::filesystem::path& path);
 
 }  // namespace qm::io

@@ -1,3 +1,5 @@
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -16,6 +18,15 @@ bool RenameOver(const std::filesystem::path& from, const std::filesystem::path& 
     std::filesystem::rename(from, to, ec);
     if (ec) error = ec.message();
     return !ec;
+}
+
+bool ExchangeFiles(const std::filesystem::path& from, const std::filesystem::path& to) {
+    return ::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_EXCHANGE) == 0;
+}
+
+bool HasOtherNames(const std::filesystem::path& path) {
+    struct stat status {};
+    return ::stat(path.c_str(), &status) != 0 || status.st_nlink != 1;
 }
 
 }  // namespace qm::io

@@ -24,4 +24,9 @@ bool RenameOver(const std::filesystem::path& from, const std::filesystem::path& 
     return false;
 }
 
+// Windows has no step that swaps two names: every save takes a new temporary file.
+bool ExchangeFiles(const std::filesystem::path&, const std::filesystem::path&) { return false; }
+
+bool HasOtherNames(const std::filesystem::path&) { return true; }
+
 }  // namespace qm::io

@@ -35,5 +35,26 @@ TEST(FileBatch, ReplacesAtOnceFlushesLaterAndNamesAFileItCannotWrite) {
     fs::remove_all(dir);
 }
 
+// A replaced file may live on as the next temporary file: never one with another name.
+TEST(FileBatch, NeverWritesOverAReplacedFileThatHasAnotherName) {
+    const fs::path dir = fs::temp_directory_path() / "quillmark-file-batch-links";
+    fs::remove_all(dir);
+    fs::create_directories(dir);
+    {
+        FileBatch batch;
+        batch.Replace(dir / "linked.xml", "old");
+        batch.Replace(dir / "next.xml", "first");
+        fs::create_hard_link(dir / "linked.xml", dir / "other-name.xml");
+        batch.Replace(dir / "linked.xml", "new");
+        batch.Replace(dir / "next.xml", "second");
+        batch.Replace(dir / "next.xml", "third");
+        EXPECT_EQ(ReadFileBytes(dir / "linked.xml"), "new");
+        EXPECT_EQ(ReadFileBytes(dir / "other-name.xml"), "old");
+        EXPECT_EQ(ReadFileBytes(dir / "next.xml"), "third");
+    }
+    EXPECT_EQ(std::distance(fs::directory_iterator(dir), fs::directory_iterator()), 3) << "no temporaries left";
+    fs::remove_all(dir);
+}
+
 }  // namespace
 }  // namespace qm::io
