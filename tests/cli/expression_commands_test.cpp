@@ -5,41 +5,32 @@
 namespace qm::cli::testing {
 namespace {
 
-TEST(EvalCommand, SharesOneScopeAndDescribesEachValue) {
-    Result r = RunTool({"eval", "$x = 5", "$x + 2", "$x & 1", "$never"});
-    EXPECT_EQ(r.code, 0) << r.err;
-    EXPECT_EQ(r.out, "5 (string)\n7 (integer)\n51 (string)\n<empty>\n");
-    EXPECT_EQ(r.err, "");
-}
-
-TEST(EvalCommand, StopsAtTheFirstErrorKeepingEarlierOutput) {
-    Result r = RunTool({"eval", "1 + 1", "1 / 0", "2"});
-    EXPECT_EQ(r.code, 1);
-    EXPECT_EQ(r.out, "2 (integer)\n");
-    EXPECT_EQ(r.err, "Division by zero\n");
-}
-
-TEST(EvalCommand, ParseErrorNamesTheExpression) {
-    Result r = RunTool({"eval", "1 2"});
-    EXPECT_EQ(r.code, 1);
-    EXPECT_EQ(r.err,
-              "Unexpected '2' (Numeric Literal)\r\nexpected end of expression\r\nwhile parsing expression:\r\n\t1 2\n");
-}
-
-TEST(ParseCommand, PrintsTheTreeBackFullyParenthesised) {
-    Result r = RunTool({"parse", "$a == 1 || $b == 2"});
-    EXPECT_EQ(r.code, 0);
-    EXPECT_EQ(r.out, "((($a == 1) || $b) == 2)\n");
-
-    r = RunTool({"parse", "f(1,)"});
-    EXPECT_EQ(r.code, 1);
-    EXPECT_EQ(r.err, "Unexpected ')' (Close Parenthesis)\r\nexpected (Variable), (Function) or end of expression\n");
-}
-
-TEST(TokensCommand, OneLinePerTokenWithKindNameAndText) {
-    Result r = RunTool({"tokens", "$a+=1"});
-    EXPECT_EQ(r.code, 0);
-    EXPECT_EQ(r.out, "Variable\ta\nAddition Assignment Operator\t+=\nNumeric Literal\t1\n");
+// Each command line with its exit code and the whole of what it prints.
+TEST(ExpressionCommands, PrintValuesTreesAndTokens) {
+    const struct {
+        std::vector<std::string> args;
+        int code;
+        std::string out, err;
+    } cases[] = {
+        // eval shares one scope, describes each value and stops at the first error.
+        {{"eval", "$x = 5", "$x + 2", "$x & 1", "$never"}, 0, "5 (string)\n7 (integer)\n51 (string)\n<empty>\n", ""},
+        {{"eval", "1 + 1", "1 / 0", "2"}, 1, "2 (integer)\n", "Division by zero\n"},
+        {{"eval", "1 2"}, 1, "",
+         "Unexpected '2' (Numeric Literal)\r\nexpected end of expression\r\nwhile parsing expression:\r\n\t1 2\n"},
+        // parse prints the tree back fully parenthesised.
+        {{"parse", "$a == 1 || $b == 2"}, 0, "((($a == 1) || $b) == 2)\n", ""},
+        {{"parse", "f(1,)"}, 1, "",
+         "Unexpected ')' (Close Parenthesis)\r\nexpected (Variable), (Function) or end of expression\n"},
+        // tokens prints one line per token: kind name, then text.
+        {{"tokens", "$a+=1"}, 0, "Variable\ta\nAddition Assignment Operator\t+=\nNumeric Literal\t1\n", ""},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.args[0] + " " + c.args[1]);
+        const Result r = RunTool(c.args);
+        EXPECT_EQ(r.code, c.code);
+        EXPECT_EQ(r.out, c.out);
+        EXPECT_EQ(r.err, c.err);
+    }
 }
 
 TEST(CommandLine, UsageErrorsExitWithTwo) {

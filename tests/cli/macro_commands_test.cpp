@@ -1,60 +1,18 @@
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <string>
 
 #include "cli_test_util.h"
 #include "core/text.h"
-#include "macros/load_counter.h"
-#include "xml/file_io.h"
 
 namespace qm::cli::testing {
 namespace {
 
-namespace fs = std::filesystem;
-
 const std::string kDecl = "<?xml version=\"1.0\" encoding=\"utf-16\"?>\r\n";
 
-void SetHome(const std::string& value) {
-#ifdef _WIN32
-    _putenv_s("QUILLMARK_HOME", value.c_str());
-#else
-    setenv("QUILLMARK_HOME", value.c_str(), 1);
-#endif
-}
-
-// Each test runs the tool over a fresh per-user folder of its own (not created), and puts the
-// home it found back afterwards.
-class MacroCommands : public ::testing::Test {
-protected:
-    void SetUp() override {
-        const char* base = std::getenv("QUILLMARK_HOME");
-        saved_ = base != nullptr ? base : "";
-        const fs::path root = (saved_.empty() ? fs::temp_directory_path() / "quillmark" : fs::path(saved_)) / "cli";
-        home = root / ::testing::UnitTest::GetInstance()->current_test_info()->name();
-        fs::remove_all(home);
-        SetHome(home.string());
-#ifdef _WIN32
-        macros::MakeLoadCounter(home)->Write(0);  // one registry value for every home there
-#endif
-    }
-    void TearDown() override { SetHome(saved_); }
-
-    fs::path home;
-
-private:
-    std::string saved_;
-};
-using XmlRoundTrip = MacroCommands;
-
-// A file beside the home, not in it.
-std::string WriteFile(const fs::path& home, const std::string& name, const std::string& bytes) {
-    const fs::path path = home.parent_path() / (home.filename().string() + "-" + name);
-    fs::create_directories(path.parent_path());
-    io::WriteFileAtomically(path, bytes);
-    return path.string();
-}
+using MacroCommands = ToolTest;
+using XmlRoundTrip = ToolTest;
 
 std::string Utf16(const std::string& utf8) { return io::EncodeUtf16Le(FromUtf8(utf8)); }
 
@@ -74,7 +32,7 @@ TEST_F(MacroCommands, ImportListShowExportRemove) {
     EXPECT_EQ(RunTool({"macros", "list"}).out, "");
     EXPECT_FALSE(fs::exists(home));
 
-    Result r = RunTool({"macros", "import", WriteFile(home, "macro.xml", Utf16(kMacroText))});
+    Result r = RunTool({"macros", "import", WriteFile("macro.xml", Utf16(kMacroText))});
     ASSERT_EQ(r.code, 0) << r.err;
     EXPECT_EQ(r.out, "m1\tSort pages\tPages\n");
     EXPECT_EQ(r.err, "");
@@ -82,7 +40,7 @@ TEST_F(MacroCommands, ImportListShowExportRemove) {
     EXPECT_EQ(RunTool({"macros", "show", "Sort pages"}).out, kMacroText + "\n");
     EXPECT_EQ(RunTool({"macros", "export", "m1"}).out, kMacroText);
 
-    const std::string exported = WriteFile(home, "exported.xml", "");
+    const std::string exported = WriteFile("exported.xml", "");
     ASSERT_EQ(RunTool({"macros", "export", "Sort pages", exported}).code, 0);
     EXPECT_EQ(io::ReadFileBytes(exported), Utf16(kMacroText));
 
@@ -95,16 +53,16 @@ TEST_F(MacroCommands, ImportListShowExportRemove) {
 }
 
 TEST_F(MacroCommands, ImportingAListReplacesByIdAndGivesNewIds) {
-    ASSERT_EQ(RunTool({"macros", "import", WriteFile(home, "a.xml", "<Macro id=\"a\" name=\"Alpha\" />")}).code, 0);
+    ASSERT_EQ(RunTool({"macros", "import", WriteFile("a.xml", "<Macro id=\"a\" name=\"Alpha\" />")}).code, 0);
     Result r = RunTool({"macros", "import",
-                        WriteFile(home, "list.xml", "<Macros><Macro name=\"Fresh\" /><Macro id=\"a\" name=\"A2\" /></Macros>")});
+                        WriteFile("list.xml", "<Macros><Macro name=\"Fresh\" /><Macro id=\"a\" name=\"A2\" /></Macros>")});
     ASSERT_EQ(r.code, 0) << r.err;
     ASSERT_EQ(r.out.size(), 46u + 6u) << r.out;  // a new id of 38 characters, then "a"
     EXPECT_EQ(RunTool({"macros", "list"}).out, "a\tA2\t\n" + r.out.substr(0, 46));
 }
 
 TEST_F(MacroCommands, NewerMacroIsImportedWithAWarningAndLoggingIsSwitched) {
-    Result r = RunTool({"macros", "import", WriteFile(home, "newer.xml", "<Macro id=\"n\" name=\"Next\" version=\"9\" />")});
+    Result r = RunTool({"macros", "import", WriteFile("newer.xml", "<Macro id=\"n\" name=\"Next\" version=\"9\" />")});
     EXPECT_EQ(r.code, 0);
     EXPECT_EQ(r.err,
               "This macro is from a newer version of Quillmark. It will be imported but may not work properly "
@@ -123,7 +81,7 @@ TEST_F(MacroCommands, ErrorsNameTheFileAndThePlace) {
     EXPECT_EQ(r.code, 1);
     EXPECT_EQ(r.err, "Cannot read \"" + missing + "\": cannot open the file for reading\n");
 
-    const std::string bad = WriteFile(home, "bad.xml", kDecl + "<Macro name=\"x\">\r\n  <If>\r\n</Macro>");
+    const std::string bad = WriteFile("bad.xml", kDecl + "<Macro name=\"x\">\r\n  <If>\r\n</Macro>");
     r = RunTool({"macros", "import", bad});
     EXPECT_EQ(r.code, 1);
     EXPECT_TRUE(r.err.starts_with("Cannot read \"" + bad + "\": ")) << r.err;
@@ -152,7 +110,7 @@ TEST_F(MacroCommands, UnreadableListStopsEveryCommandAndStaysAsItIs) {
     EXPECT_NE(r.err.find("(line 4, column "), std::string::npos) << r.err;
 
     const std::string readError = r.err;
-    r = RunTool({"macros", "import", WriteFile(home, "macro.xml", kMacroText)});
+    r = RunTool({"macros", "import", WriteFile("macro.xml", kMacroText)});
     EXPECT_EQ(r.code, 1);
     EXPECT_EQ(r.err, "\"" + file + "\" could not be read, so it is left as it is and changes are not saved until it "
                                    "can be read.\r\n" + readError);
@@ -172,17 +130,17 @@ TEST_F(XmlRoundTrip, ReadsAnyEncodingAndWritesUtf8) {
         "  </Macro>\r\n"
         "</Macros>";
     for (const std::string& bytes : {"\xFF\xFE" + Utf16(list), Utf16(list), list}) {
-        Result r = RunTool({"xml", "roundtrip", WriteFile(home, "list.xml", bytes)});
+        Result r = RunTool({"xml", "roundtrip", WriteFile("list.xml", bytes)});
         EXPECT_EQ(r.code, 0) << r.err;
         EXPECT_EQ(r.out, list);
     }
 
     // A single macro, without what merely restates a default.
-    Result r = RunTool({"xml", "roundtrip", WriteFile(home, "single.xml", "<Macro name=\"s\" version=\"1\"><If collapsed=\"false\" /></Macro>")});
+    Result r = RunTool({"xml", "roundtrip", WriteFile("single.xml", "<Macro name=\"s\" version=\"1\"><If collapsed=\"false\" /></Macro>")});
     EXPECT_EQ(r.out, kDecl + "<Macro name=\"s\" category=\"\" description=\"\" publishDate=\"00-00-00T00:00:00.000Z\">\r\n"
                              "  <If />\r\n</Macro>");
 
-    const std::string other = WriteFile(home, "other.xml", kDecl + "<Quillmark />");
+    const std::string other = WriteFile("other.xml", kDecl + "<Quillmark />");
     r = RunTool({"xml", "roundtrip", other});
     EXPECT_EQ(r.code, 1);
     EXPECT_EQ(r.err, "Cannot read \"" + other + "\": Expected a \"Macro\" or \"Macros\" element, found \"Quillmark\" (line 2)\n");

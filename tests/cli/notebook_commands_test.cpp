@@ -1,46 +1,17 @@
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <string>
 
 #include "cli_test_util.h"
-#include "xml/file_io.h"
 
 namespace qm::cli::testing {
 namespace {
 
-namespace fs = std::filesystem;
-
 const std::string kWeeklySync = "{7D4E2A10-91C3-4B5E-8F26-1A9C3E5B7D02}{1}{E19551348720312895214720176823459981024610301}";
 const fs::path kSample = fs::path(QUILLMARK_SOURCE_DIR) / "examples" / "notebook";
 
-void SetHome(const std::string& value) {
-#ifdef _WIN32
-    _putenv_s("QUILLMARK_HOME", value.c_str());
-#else
-    setenv("QUILLMARK_HOME", value.c_str(), 1);
-#endif
-}
-
-// Each test runs the tool over a fresh per-user folder of its own.
-class NotebookCommands : public ::testing::Test {
-protected:
-    void SetUp() override {
-        const char* base = std::getenv("QUILLMARK_HOME");
-        saved_ = base != nullptr ? base : "";
-        const fs::path root = (saved_.empty() ? fs::temp_directory_path() / "quillmark" : fs::path(saved_)) / "cli";
-        home = root / ::testing::UnitTest::GetInstance()->current_test_info()->name();
-        fs::remove_all(home);
-        SetHome(home.string());
-    }
-    void TearDown() override { SetHome(saved_); }
-
-    fs::path home;
-
-private:
-    std::string saved_;
-};
+using NotebookCommands = ToolTest;
 
 TEST_F(NotebookCommands, ShowListsTheWorkingCopyMadeFromTheSampleOnFirstUse) {
     const std::string sampleBefore = io::ReadFileBytes(kSample / "hierarchy.xml");

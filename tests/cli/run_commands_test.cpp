@@ -1,65 +1,21 @@
 // quillmark run and quillmark functions, over a per-user folder of the test's own.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <string>
 
 #include "cli_test_util.h"
 #include "core/text.h"
 #include "macros/macro_store.h"
 #include "macros/text_form.h"
-#include "xml/file_io.h"
 
 namespace qm::cli::testing {
 namespace {
 
-namespace fs = std::filesystem;
-
-void SetHome(const std::string& value) {
-#ifdef _WIN32
-    _putenv_s("QUILLMARK_HOME", value.c_str());
-#else
-    setenv("QUILLMARK_HOME", value.c_str(), 1);
-#endif
-}
-
-class RunCommand : public ::testing::Test {
-protected:
-    void SetUp() override {
-        const char* base = std::getenv("QUILLMARK_HOME");
-        saved_ = base != nullptr ? base : "";
-        const fs::path root = (saved_.empty() ? fs::temp_directory_path() / "quillmark" : fs::path(saved_)) / "run";
-        home = root / ::testing::UnitTest::GetInstance()->current_test_info()->name();
-        fs::remove_all(home);
-        fs::create_directories(home);
-        SetHome((home / "user").string());
-    }
-    void TearDown() override { SetHome(saved_); }
-
-    std::string Write(const std::string& name, const std::string& bytes) {
-        const fs::path path = home / name;
-        io::WriteFileAtomically(path, bytes);
-        return path.string();
-    }
-
-    static std::string Read(const fs::path& path) {
-        std::ifstream in(path, std::ios::binary);
-        std::stringstream text;
-        text << in.rdbuf();
-        return text.str();
-    }
-
-    fs::path home;
-
-private:
-    std::string saved_;
-};
+using RunCommand = ToolTest;
 
 TEST_F(RunCommand, RunsTextFormAndPrintsVariables) {
-    const std::string file = Write("count.qm", "$n = 3\nWhile $n > 0\n  $n -= 1\n$list = Array(\"a\")\n");
+    const std::string file = WriteFile("count.qm", "$n = 3\nWhile $n > 0\n  $n -= 1\n$list = Array(\"a\")\n");
     Result r = RunTool({"run", file, "--vars"});
     EXPECT_EQ(r.code, 0) << r.err;
     EXPECT_EQ(r.out, "$list = Array of size (1):\n\t[0]: a (string)\n$n = 0 (integer)\n");
@@ -91,33 +47,27 @@ TEST_F(RunCommand, ExitCodesByOutcome) {
     };
     int index = 0;
     for (const Case& c : cases) {
-        const std::string file = Write("case" + std::to_string(++index) + ".qm", c.text);
-        std::vector<std::string> args{"run", file};
+        std::vector<std::string> args{"run", WriteFile("case" + std::to_string(++index) + ".qm", c.text)};
         args.insert(args.end(), c.extra.begin(), c.extra.end());
-        std::vector<std::string> storage{"quillmark"};
-        storage.insert(storage.end(), args.begin(), args.end());
-        std::vector<char*> argv;
-        for (auto& s : storage) argv.push_back(s.data());
-        std::ostringstream out, err;
-        const int code = qm::cli::Run(static_cast<int>(argv.size()), argv.data(), out, err);
-        EXPECT_EQ(code, c.code) << c.text;
-        EXPECT_EQ(err.str(), c.err) << c.text;
+        const Result r = RunTool(args);
+        EXPECT_EQ(r.code, c.code) << c.text;
+        EXPECT_EQ(r.err, c.err) << c.text;
     }
 }
 
 TEST_F(RunCommand, LogOptionWritesTheLog) {
-    const std::string file = Write("tidy.qm", "#name Tidy\n// start\n$x = 1 / 0\n");
-    const fs::path log = home / "run.log";
-    Result r = RunTool({"run", file, "--log", log.string()});
+    const std::string file = WriteFile("tidy.qm", "#name Tidy\n// start\n$x = 1 / 0\n");
+    const std::string log = File("run.log");
+    Result r = RunTool({"run", file, "--log", log});
     EXPECT_EQ(r.code, 1);
-    const std::string text = Read(log);
+    const std::string text = io::ReadFileBytes(log);
     EXPECT_EQ(text.rfind("\r\nRunning Macro \"Tidy\"\r\n" + std::string(72, '-') + "\r\n// start\r\n", 0), 0u) << text;
     EXPECT_EQ(text.substr(text.size() - 45), "\r\nError while running macro: Division by zero");
-    EXPECT_FALSE(fs::exists(home / "user" / "macroLog.txt"));
+    EXPECT_FALSE(fs::exists(home / "macroLog.txt"));
 }
 
 TEST_F(RunCommand, StoredMacroByNameWithStoreLogging) {
-    macros::MacroStore store(home / "user");
+    macros::MacroStore store(home);
     std::shared_ptr<M2::Macro> macro = M2::ReadTextForm(u"#name Stored\n$x = 5 + 5\n", "stored.qm");
     store.AddOrReplace(macro);
     store.Modify([](M2::Macros& list) { list.loggingEnabled = true; });
@@ -125,7 +75,7 @@ TEST_F(RunCommand, StoredMacroByNameWithStoreLogging) {
     Result r = RunTool({"run", "Stored", "--vars"});
     EXPECT_EQ(r.code, 0) << r.err;
     EXPECT_EQ(r.out, "$x = 10 (integer)\n");
-    EXPECT_EQ(Read(home / "user" / "macroLog.txt").rfind("\r\nRunning Macro \"Stored\"", 0), 0u);
+    EXPECT_EQ(io::ReadFileBytes(home / "macroLog.txt").rfind("\r\nRunning Macro \"Stored\"", 0), 0u);
 
     Result missing = RunTool({"run", "Missing"});
     EXPECT_EQ(missing.code, 1);
@@ -133,7 +83,7 @@ TEST_F(RunCommand, StoredMacroByNameWithStoreLogging) {
 }
 
 TEST_F(RunCommand, MacroListFileNeedsAChoice) {
-    const std::string list = Write("list.xml",
+    const std::string list = WriteFile("list.xml",
                                    "<?xml version=\"1.0\"?><Macros><Macro id=\"a\" name=\"First\"><Expression>"
                                    "<BinaryOp name=\"=\"><Left><Var>x</Var></Left><Right>1</Right></BinaryOp>"
                                    "</Expression></Macro><Macro id=\"b\" name=\"Second\"><Expression>"
@@ -149,11 +99,11 @@ TEST_F(RunCommand, MacroListFileNeedsAChoice) {
 }
 
 TEST_F(RunCommand, UnreadableFiles) {
-    Result missing = RunTool({"run", (home / "absent.qm").string()});
+    Result missing = RunTool({"run", File("absent.qm")});
     EXPECT_EQ(missing.code, 1);
     EXPECT_FALSE(missing.err.empty());
 
-    const std::string bad = Write("bad.qm", "$x = (1\n");
+    const std::string bad = WriteFile("bad.qm", "$x = (1\n");
     Result unreadable = RunTool({"run", bad});
     EXPECT_EQ(unreadable.code, 1);
     EXPECT_EQ(unreadable.err.rfind(bad + ":1", 0), 0u) << unreadable.err;
