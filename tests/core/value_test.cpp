@@ -636,16 +636,12 @@ TEST(Arrays, LargeDenseArray) {
 }
 
 TEST(LowerCase, Units) {
-    EXPECT_EQ(LowerCaseUnit(u'A'), u'a');
-    EXPECT_EQ(LowerCaseUnit(u'z'), u'z');
-    EXPECT_EQ(LowerCaseUnit(u'\u00C9'), u'\u00E9');
-    EXPECT_EQ(LowerCaseUnit(u'\u00D7'), u'\u00D7');  // multiplication sign
-    EXPECT_EQ(LowerCaseUnit(u'\u0100'), u'\u0101');
-    EXPECT_EQ(LowerCaseUnit(u'\u0141'), u'\u0142');
-    EXPECT_EQ(LowerCaseUnit(u'\u0391'), u'\u03B1');
-    EXPECT_EQ(LowerCaseUnit(u'\u0416'), u'\u0436');
-    EXPECT_EQ(LowerCaseUnit(u'\u0401'), u'\u0451');
-    EXPECT_EQ(LowerCaseUnit(u'1'), u'1');
+    const std::pair<char16_t, char16_t> cases[] = {
+        {u'A', u'a'},           {u'z', u'z'},           {u'\u00C9', u'\u00E9'}, {u'\u00D7', u'\u00D7'},  // multiplication sign
+        {u'\u0100', u'\u0101'}, {u'\u0141', u'\u0142'}, {u'\u0391', u'\u03B1'}, {u'\u0416', u'\u0436'},
+        {u'\u0401', u'\u0451'}, {u'1', u'1'},
+    };
+    for (const auto& [unit, lower] : cases) EXPECT_EQ(LowerCaseUnit(unit), lower) << static_cast<int>(unit);
 }
 
 }  // namespace
