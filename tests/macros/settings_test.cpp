@@ -71,18 +71,8 @@ TEST(SettingsStore, UnreadableFileIsReportedAndNotWrittenOver) {
     }
 
     SettingsStore store(folder);
-    try {
-        store.Get();
-        ADD_FAILURE() << "the settings loaded";
-    } catch (const StoreError& e) {
-        EXPECT_EQ(e.message(), readError);
-    }
-    try {
-        store.Save();
-        ADD_FAILURE() << "the settings were saved";
-    } catch (const StoreError& e) {
-        EXPECT_EQ(e.message(), FormatMessage(msg::kKeptUnreadable, {PathText(file), readError}));
-    }
+    EXPECT_EQ(StoreErrorOf([&] { store.Get(); }), readError);
+    EXPECT_EQ(StoreErrorOf([&] { store.Save(); }), FormatMessage(msg::kKeptUnreadable, {PathText(file), readError}));
     EXPECT_EQ(Bytes(file), io::EncodeUtf16Le(broken));
 }
 

@@ -86,12 +86,7 @@ TEST(StoreFiles, UnreadableListIsReportedAndNeverWrittenOver) {
         const auto before = Snapshot(folder);
 
         MacroStore store(folder);
-        std::u16string readError;
-        try {
-            store.GetMacros();
-        } catch (const StoreError& e) {
-            readError = e.message();
-        }
+        const std::u16string readError = StoreErrorOf([&] { store.GetMacros(); });
         const std::u16string prefix = u"Cannot read \"" + PathText(file) + u"\": ";
         EXPECT_TRUE(readError.starts_with(prefix)) << ToUtf8(readError);
         if (!c.error.empty()) {
@@ -105,14 +100,7 @@ TEST(StoreFiles, UnreadableListIsReportedAndNeverWrittenOver) {
             [&] { store.BumpLoadState(); },
             [&] { store.Remove(u"m1"); },
         };
-        for (const auto& change : changes) {
-            try {
-                change();
-                ADD_FAILURE() << "a change went through";
-            } catch (const StoreError& e) {
-                EXPECT_EQ(e.message(), refused);
-            }
-        }
+        for (const auto& change : changes) EXPECT_EQ(StoreErrorOf(change), refused);
         EXPECT_EQ(Snapshot(folder), before);
     }
 }
@@ -148,12 +136,8 @@ TEST(StoreFiles, FailedSaveKeepsTheOldFileTheListAndTheCounter) {
     // The file's place is taken by a folder: the save cannot replace it.
     fs::rename(file, folder / "aside.xml");
     fs::create_directories(file / "inside");
-    try {
-        store.AddOrReplace(MakeMacro(u"b", u"Beta"));
-        ADD_FAILURE() << "the save went through";
-    } catch (const StoreError& e) {
-        EXPECT_TRUE(e.message().starts_with(u"Cannot save \"" + PathText(file) + u"\": ")) << e.what();
-    }
+    const std::u16string saveError = StoreErrorOf([&] { store.AddOrReplace(MakeMacro(u"b", u"Beta")); });
+    EXPECT_TRUE(saveError.starts_with(u"Cannot save \"" + PathText(file) + u"\": ")) << ToUtf8(saveError);
     EXPECT_EQ(Ids(store), Strings{u"a"});
     EXPECT_EQ(store.GetMacros().loadState.value, 1);
     EXPECT_EQ(MakeLoadCounter(folder)->Read(), 1u);
@@ -211,12 +195,7 @@ TEST(StoreFiles, FindAddReplaceAndRemove) {
     store.AddOrReplace(MakeMacro(u"b", u"Beta 2"));  // replaced where it stands
     EXPECT_EQ(store.GetMacros().macros[1]->name, u"Beta 2");
     EXPECT_EQ(store.Remove(u"Fresh")->id.value, FromUtf8(freshId));
-    try {
-        store.Remove(u"Fresh");
-        ADD_FAILURE() << "removed a macro that is not there";
-    } catch (const StoreError& e) {
-        EXPECT_EQ(e.message(), u"There is no macro with the id or name \"Fresh\".");
-    }
+    EXPECT_EQ(StoreErrorOf([&] { store.Remove(u"Fresh"); }), u"There is no macro with the id or name \"Fresh\".");
     EXPECT_EQ(Ids(MacroStore(folder)), (Strings{u"a", u"b"}));
 }
 

@@ -60,6 +60,17 @@ inline std::vector<std::u16string> Ids(MacroStore& store) {
 }
 inline std::vector<std::u16string> Ids(MacroStore&& store) { return Ids(store); }
 
+// The message of the store error that `change` ends with, or a marker when it went through.
+template <class Change>
+std::u16string StoreErrorOf(Change&& change) {
+    try {
+        change();
+    } catch (const StoreError& e) {
+        return e.message();
+    }
+    return u"(no error)";
+}
+
 // A list file holding the given macros (id, name) and loadState.
 inline std::u16string ListText(std::initializer_list<std::pair<std::u16string, std::u16string>> macros,
                                int loadState = 0) {

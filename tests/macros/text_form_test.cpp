@@ -215,24 +215,25 @@ TEST(TextForm, NestingIsBounded) {
 }
 
 TEST(TextForm, TreesWithoutATextFormAreRefused) {
-    auto macro = ImportMacroXml(u"<Macro description=\"two&#10;lines\"/>");
-    EXPECT_EQ(WriteError(*macro), u"Macro/@description cannot be written in the text form: it holds a line break");
-    macro = ImportMacroXml(u"<Macro><If/><If><Comment text=\"a&#13;b\"/></If></Macro>");
-    EXPECT_EQ(WriteError(*macro), u"Macro/If[2]/Comment[1] cannot be written in the text form: it holds a line break");
-    macro = ImportMacroXml(u"<Macro><ForEach var=\"$x\"/></Macro>");
-    EXPECT_EQ(WriteError(*macro), u"Macro/ForEach[1] cannot be written in the text form: '$x' is not a name");
-    macro = ImportMacroXml(u"<Macro><Function name=\"f\"><Param name=\"a b\"/></Function></Macro>");
-    EXPECT_EQ(WriteError(*macro), u"Macro/Function[1] cannot be written in the text form: 'a b' is not a name");
-    macro = ImportMacroXml(u"<Macro><Expression><Var>a&#10;b</Var></Expression></Macro>");
-    EXPECT_EQ(WriteError(*macro), u"Macro/Expression[1] cannot be written in the text form: it holds a line break");
-    macro = ImportMacroXml(u"<Macro><While><Condition><BinaryOp name=\"=~\"><Left>1</Left><Right>2</Right>"
-                           u"</BinaryOp></Condition></While></Macro>");
-    EXPECT_EQ(WriteError(*macro),
-              u"Macro/While[1] cannot be written in the text form: the expression (1 =~ 2) does not read back as "
-              u"it is");
-    macro = ImportMacroXml(u"<Macro><Break><Call name=\"If x\"/></Break></Macro>");
-    EXPECT_EQ(WriteError(*macro),
-              u"Macro/Break[1] cannot be written in the text form: the expression If x() does not read back as it is");
+    const struct {
+        std::u16string_view xml, error;
+    } cases[] = {
+        {u"<Macro description=\"two&#10;lines\"/>",
+         u"Macro/@description cannot be written in the text form: it holds a line break"},
+        {u"<Macro><If/><If><Comment text=\"a&#13;b\"/></If></Macro>",
+         u"Macro/If[2]/Comment[1] cannot be written in the text form: it holds a line break"},
+        {u"<Macro><ForEach var=\"$x\"/></Macro>", u"Macro/ForEach[1] cannot be written in the text form: '$x' is not a name"},
+        {u"<Macro><Function name=\"f\"><Param name=\"a b\"/></Function></Macro>",
+         u"Macro/Function[1] cannot be written in the text form: 'a b' is not a name"},
+        {u"<Macro><Expression><Var>a&#10;b</Var></Expression></Macro>",
+         u"Macro/Expression[1] cannot be written in the text form: it holds a line break"},
+        {u"<Macro><While><Condition><BinaryOp name=\"=~\"><Left>1</Left><Right>2</Right></BinaryOp></Condition>"
+         u"</While></Macro>",
+         u"Macro/While[1] cannot be written in the text form: the expression (1 =~ 2) does not read back as it is"},
+        {u"<Macro><Break><Call name=\"If x\"/></Break></Macro>",
+         u"Macro/Break[1] cannot be written in the text form: the expression If x() does not read back as it is"},
+    };
+    for (const auto& c : cases) EXPECT_EQ(ToUtf8(WriteError(*ImportMacroXml(c.xml))), ToUtf8(c.error)) << ToUtf8(c.xml);
 }
 
 }  // namespace
