@@ -77,11 +77,7 @@ TEST(KeepUnknown, UnmodelledContentIsWrittenBackInItsPlace) {
     EXPECT_EQ(root->last->text, u"z");
     EXPECT_EQ(root->unknown.attributes().size(), 2u);
     EXPECT_EQ(root->unknown.children().size(), 4u);
-    EXPECT_EQ(Write(*root),
-              u"<k:Root xmlns:k=\"urn:k\" xmlns:o=\"urn:o\" o:extra=\"1\" more=\"2\">"
-              u"<k:Odd a=\"b\"><k:Leaf>inner</k:Leaf></k:Odd>"
-              u"<k:Leaf>one</k:Leaf><o:Leaf>foreign</o:Leaf><k:Leaf>two</k:Leaf>stray"
-              u"<Plain xmlns=\"urn:d\"><Sub xmlns=\"\">s</Sub></Plain><k:Last>z</k:Last></k:Root>");
+    EXPECT_EQ(Write(*root), text);
     // Content whose modelled neighbour is gone is kept at the end.
     root->leaves.Remove(0);
     EXPECT_EQ(Write(*root),
