@@ -130,14 +130,23 @@ TEST(Interpreter, CancelBeforeFirstStatement) {
     EXPECT_EQ(ToUtf8(run.Var(u"r")), "<empty>");
 }
 
-TEST(Interpreter, CancelStopsEndlessWhile) {
-    InterpreterRun run(u"$r = 0\nWhile 1\n  $r += 1\n");
+// Runs the macro while another thread presses Cancel after `delay`; the run must end cancelled.
+// How long the run took.
+std::chrono::steady_clock::duration RunCancelledAfter(InterpreterRun& run, std::chrono::milliseconds delay) {
     std::thread canceller([&] {
-        std::this_thread::sleep_for(std::chrono::milliseconds(30));
+        std::this_thread::sleep_for(delay);
         run.progress.cancel = true;
     });
+    const auto start = std::chrono::steady_clock::now();
     EXPECT_THROW(run.Run(), RunCancelled);
+    const auto elapsed = std::chrono::steady_clock::now() - start;
     canceller.join();
+    return elapsed;
+}
+
+TEST(Interpreter, CancelStopsEndlessWhile) {
+    InterpreterRun run(u"$r = 0\nWhile 1\n  $r += 1\n");
+    RunCancelledAfter(run, std::chrono::milliseconds(30));
     EXPECT_GT(run.context.variables.Variable(u"r").AsInteger(), 0);
 }
 
@@ -145,13 +154,7 @@ TEST(Interpreter, CancelInsideFunction) {
     InterpreterRun run(u"$r = F()\nFunction F()\n  $n = 0\n  While 1\n    $n += 1\n    If $n == 1000\n      $x = G()\n"
                        u"Function G()\n  Return 1\n");
     run.services.macroName = u"m";
-    run.progress.cancel = false;
-    std::thread canceller([&] {
-        std::this_thread::sleep_for(std::chrono::milliseconds(30));
-        run.progress.cancel = true;
-    });
-    EXPECT_THROW(run.Run(), RunCancelled);
-    canceller.join();
+    RunCancelledAfter(run, std::chrono::milliseconds(30));
     // The call was cut short: the assignment never happened.
     EXPECT_EQ(ToUtf8(run.Var(u"r")), "<empty>");
 }
@@ -159,14 +162,7 @@ TEST(Interpreter, CancelInsideFunction) {
 TEST(Interpreter, RepaintsAtMostEvery50Milliseconds) {
     InterpreterRun run(u"$i = 0\nWhile $i < 1000000000\n  $i += 1\n");
     run.options.progressInUse = true;
-    std::thread canceller([&] {
-        std::this_thread::sleep_for(std::chrono::milliseconds(260));
-        run.progress.cancel = true;
-    });
-    const auto start = std::chrono::steady_clock::now();
-    EXPECT_THROW(run.Run(), RunCancelled);
-    const auto elapsed = std::chrono::steady_clock::now() - start;
-    canceller.join();
+    const auto elapsed = RunCancelledAfter(run, std::chrono::milliseconds(260));
     EXPECT_GE(run.progress.repaints, 1);
     EXPECT_LE(run.progress.repaints, elapsed / std::chrono::milliseconds(50) + 1);
 }

@@ -12,13 +12,13 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <sstream>
 #include <string>
 #include <vector>
 
 #include "runtime/run_driver.h"
 #include "run_harness.h"
+#include "xml/file_io.h"
 
 namespace qm::test {
 namespace {
@@ -120,10 +120,7 @@ class Script : public ::testing::TestWithParam<std::string> {};
 
 TEST_P(Script, RunsAsItsCommentsSay) {
     const fs::path path = fs::path(QUILLMARK_TEST_DIR) / "scripts" / GetParam();
-    std::ifstream in(path, std::ios::binary);
-    std::stringstream buffer;
-    buffer << in.rdbuf();
-    const std::string text = buffer.str();
+    const std::string text = io::ReadFileBytes(path);
     const ScriptExpectations expected = ReadExpectations(text);
     ASSERT_TRUE(!expected.variables.empty() || expected.error || expected.outcome) << "the script states nothing";
 
