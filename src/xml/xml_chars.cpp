@@ -165,9 +165,32 @@ std::string ToShieldedUtf8(std::u16string_view text, ShieldOptions options) {
     return out;
 }
 
+// The length of the text in UTF-8, as AppendUtf8 writes it: the string is then sized once,
+// exactly, rather than for the worst case and cut (filling three bytes a unit costs more than
+// counting).
+namespace {
+std::size_t Utf8Length(std::u16string_view text) {
+    std::size_t length = text.size();
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        for (; i + 4 <= text.size() && FourUnits(text.data() + i).Ascii(); i += 4) {
+        }
+        if (i == text.size()) break;
+        const char16_t c = text[i];
+        if (c < 0x80) continue;
+        if (IsHigh(c) && i + 1 < text.size() && IsLow(text[i + 1])) {
+            length += 2;  // four bytes for the two units
+            ++i;
+        } else {
+            length += c < 0x800 ? 1 : 2;  // a lone surrogate is written as U+FFFD, three bytes
+        }
+    }
+    return length;
+}
+}  // namespace
+
 void AppendUtf8(std::string& out, std::u16string_view text) {
     const std::size_t start = out.size();
-    out.resize(start + text.size() * 3);
+    out.resize(start + Utf8Length(text));
     char* p = out.data() + start;
     for (std::size_t i = 0; i < text.size(); ++i) {
         for (; i + 4 <= text.size() && FourUnits(text.data() + i).Ascii(); i += 4, p += 4) {
