@@ -2,10 +2,13 @@
 // stored back unchanged keeps its text; runs written as markup read back as the same runs
 // (joined), and writing those again gives the same markup; an edit of a stretch, stored and read
 // again, gives the edited text. Markup that the direct reader takes reads to the same tree as
-// through the XML reader.
+// through the XML reader, and to the same runs whether they are made as it reads or from the tree.
+// Storing decides a change as comparing the joined runs does.
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <optional>
+#include <vector>
 #include <string_view>
 
 #include "core/text.h"
@@ -13,6 +16,7 @@
 #include "onenote/fmt_paragraph.h"
 #include "onenote/fmt_properties.h"
 #include "onenote/fmt_quick_reader.h"
+#include "onenote/fmt_run_builder.h"
 #include "onenote/fmt_schema.h"
 
 namespace {
@@ -43,6 +47,16 @@ void CheckRewrite(const FormattedText& runs) {
     Check(WriteMarkup(again) == markup);
 }
 
+// The runs, or none when there are too many formats.
+template <class Read>
+std::optional<std::vector<TextRun>> RunsOrTooMany(const Read& read) {
+    try {
+        return read();
+    } catch (const TooManyFormats&) {
+        return std::nullopt;
+    }
+}
+
 void CheckQuickReader(std::u16string_view content) {
     const std::u16string prepared = PrepareMarkup(content);
     // What the direct reader takes needs no preparation unless it holds breaks, hard spaces or
@@ -57,6 +71,21 @@ void CheckQuickReader(std::u16string_view content) {
     // An XmlError escaping here is a finding too: the direct reader took what XML refuses.
     const auto full = qm::FMT::ParseText(u"<?xml version=\"1.0\"?><Text>" + prepared + u"</Text>");
     Check(qm::FMT::SerializeText(*quick) == qm::FMT::SerializeText(*full));
+    Check(RunsOrTooMany([&] { return ReadSimpleRuns(prepared, prepared.size()).value(); }) ==
+          RunsOrTooMany([&] { return RunsOfTree(*quick, prepared.size()); }));
+}
+
+// Both ways of reading markup into runs give the same runs and the same verdict.
+void CheckDirectRuns(std::u16string_view content) {
+    const FormattedText direct = ParseMarkup(content);
+    const FormattedText tree = ReadMarkupThroughTree(content);
+    Check(direct.readable == tree.readable && direct.runs == tree.runs);
+}
+
+bool SameJoined(FormattedText a, FormattedText b) {
+    a.Normalize();
+    b.Normalize();
+    return a.runs == b.runs;
 }
 
 }  // namespace
@@ -68,6 +97,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         qm::FromUtf8(std::string_view(reinterpret_cast<const char*>(data) + control, size - control));
 
     CheckQuickReader(content);
+    CheckDirectRuns(content);
     qm::ON::T t;
     t.text = content;
     const FormattedText runs = ReadRuns(t);
@@ -105,7 +135,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         default: edited.ReplaceRange(start, end, u""); expected.erase(start, end - start); break;
     }
     Check(edited.PlainText() == expected);
-    StoreRuns(t, runs, edited);
+    Check(StoreRuns(t, runs, edited) == !SameJoined(runs, edited));
     const FormattedText stored = ReadRuns(t);
     Check(stored.readable || t.text == content);
     if (stored.readable) Check(AsWritten(stored).runs == AsWritten(edited).runs);

@@ -1,10 +1,13 @@
 #include "onenote/fmt_markup.h"
 
 #include <algorithm>
+#include <cstring>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "onenote/fmt_quick_reader.h"
+#include "onenote/fmt_run_builder.h"
 #include "onenote/fmt_schema.h"
 #include "xml/xml_error.h"
 
@@ -164,104 +167,33 @@ std::u16string QuoteAttributeValues(std::u16string_view text) {
     return out;
 }
 
-// --- the tree into runs -----------------------------------------------------------------------
-
-struct Frame {
-    const std::vector<FMT::Item>* items;
-    std::size_t next;
-    const void* element;  // the innermost span or a: the chain's identity
-    TextFormat format;
-};
-
-TextFormat Inner(const TextFormat& outer, const FMT::span& span) {
-    TextFormat format = outer;
-    if (span.style) MergeCss(format.style, ParseCss(*span.style));
-    if (span.lang && !span.lang->empty()) format.lang = *span.lang;
-    return format;
-}
-
-TextFormat Inner(const TextFormat& outer, const FMT::a& anchor) {
-    TextFormat format = outer;
-    if (anchor.href && !anchor.href->empty()) format.href = *anchor.href;
-    return format;
-}
-
-// Raised when the runs would take far more room than the markup they come from.
-struct TooManyFormats {};
-
-std::size_t SizeOf(const TextFormat& format) {
-    std::size_t size = 1 + (format.lang ? format.lang->size() : 0) + (format.href ? format.href->size() : 0);
-    for (const CssDeclaration& d : format.style) size += d.name.size() + d.value.size() + 2;
-    return size;
-}
-
-// Walks the tree in document order without recursion (the reader bounds its depth, the walk
-// needs no stack of its own). Each run carries its whole formatting, which nesting repeats: a
-// long link around many small spans, deep nesting under long styles. The formatting held at once
-// is therefore bounded by a multiple of the markup's size, and markup beyond it is unreadable.
-std::vector<TextRun> RunsOf(const FMT::Text& root, std::size_t markupSize) {
-    std::size_t budget = 32 * markupSize + 65536;
-    const auto spend = [&](std::size_t size) {
-        if (size > budget) throw TooManyFormats{};
-        budget -= size;
-    };
-    std::vector<TextRun> runs;
-    const void* lastElement = nullptr;
-    std::vector<Frame> stack;
-    stack.push_back(Frame{&root.content, 0, &root, TextFormat{}});
-    while (!stack.empty()) {
-        Frame& top = stack.back();
-        if (top.next == top.items->size()) {
-            stack.pop_back();
-            continue;
-        }
-        const FMT::Item& item = (*top.items)[top.next++];
-        if (const auto* text = std::get_if<std::u16string>(&item)) {
-            if (text->empty()) continue;
-            if (!runs.empty() && lastElement == top.element) {
-                runs.back().text += *text;
-            } else {
-                spend(SizeOf(top.format));
-                runs.push_back(TextRun{*text, top.format});
-                lastElement = top.element;
-            }
-        } else if (const auto* span = std::get_if<std::shared_ptr<FMT::span>>(&item)) {
-            if (!*span) continue;
-            spend(SizeOf(top.format) + ((*span)->style ? (*span)->style->size() : 0));
-            stack.push_back(Frame{&(*span)->content, 0, span->get(), Inner(top.format, **span)});
-        } else if (const auto* anchor = std::get_if<std::shared_ptr<FMT::a>>(&item)) {
-            if (!*anchor) continue;
-            spend(SizeOf(top.format) + ((*anchor)->href ? (*anchor)->href->size() : 0));
-            stack.push_back(Frame{&(*anchor)->content, 0, anchor->get(), Inner(top.format, **anchor)});
-        }
-    }
-    return runs;
-}
-
 // --- writing ----------------------------------------------------------------------------------
 
 constexpr char16_t kReplacement = u'\xFFFD';
 
-// Which spaces are written as "&nbsp;" (see the file comment).
-std::vector<bool> HardSpaces(std::u16string_view text) {
-    std::vector<bool> hard(text.size(), false);
-    for (std::size_t i = 0; i < text.size();) {
-        if (text[i] != u' ') {
-            ++i;
-            continue;
-        }
-        std::size_t end = i;
-        while (end < text.size() && text[end] == u' ') ++end;
-        const bool atEdge = i == 0 || text[i - 1] == u'\n' || end == text.size() || text[end] == u'\n';
-        for (std::size_t k = i; k < end; ++k) hard[k] = atEdge || k + 1 < end;
-        i = end;
-    }
-    return hard;
+// Whether the space at `i` is written as "&nbsp;": every space of a stretch of spaces but the last,
+// and the last too when the stretch stands at either end of the text or of a line.
+bool IsHardSpace(std::u16string_view text, std::size_t i) {
+    if (i + 1 < text.size() && text[i + 1] == u' ') return true;
+    if (i + 1 == text.size() || text[i + 1] == u'\n') return true;
+    std::size_t begin = i;
+    while (begin > 0 && text[begin - 1] == u' ') --begin;
+    return begin == 0 || text[begin - 1] == u'\n';
 }
 
-void AppendText(std::u16string& out, std::u16string_view text, const std::vector<bool>& hard, std::size_t offset) {
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const char16_t c = text[i];
+// The characters AppendText writes otherwise than as themselves (some spaces among them).
+bool IsSpecial(char16_t c) {
+    return c == u'&' || c == u'<' || c == u'>' || c == u'"' || c == u'\n' || c == u'\r' || c == u' ' || c == u'\0';
+}
+
+// The characters [offset, offset + size) of the plain text.
+void AppendText(std::u16string& out, std::u16string_view plain, std::size_t offset, std::size_t size) {
+    std::size_t copied = offset;  // characters before it are in `out`
+    for (std::size_t i = offset; i < offset + size; ++i) {
+        const char16_t c = plain[i];
+        if (c > u'>' || !IsSpecial(c) || (c == u' ' && !IsHardSpace(plain, i))) continue;
+        out.append(plain.substr(copied, i - copied));
+        copied = i + 1;
         switch (c) {
             case u'&': out += u"&amp;"; break;
             case u'<': out += u"&lt;"; break;
@@ -269,11 +201,12 @@ void AppendText(std::u16string& out, std::u16string_view text, const std::vector
             case u'"': out += u"&quot;"; break;
             case u'\n': out += u"<br>"; break;
             case u'\r': out += u"&#13;"; break;
-            case u' ': out += hard[offset + i] ? u"&nbsp;" : u" "; break;
+            case u' ': out += IsHardSpace(plain, i) ? u"&nbsp;" : u" "; break;
             case u'\0': out += kReplacement; break;
             default: out += c; break;
         }
     }
+    out.append(plain.substr(copied, offset + size - copied));
 }
 
 void AppendAttributeValue(std::u16string& out, std::u16string_view value, char16_t quote) {
@@ -325,16 +258,50 @@ void AppendSpanStart(std::u16string& out, const TextFormat& format) {
     out += u'>';
 }
 
-// The runs of the markup, read afresh.
+constexpr std::u16string_view kOpen = u"<?xml version=\"1.0\"?><Text>", kClose = u"</Text>";
+
+std::size_t DocumentSize(std::size_t fragment) { return kOpen.size() + fragment + kClose.size(); }
+
+FormattedText Unreadable(std::u16string_view framed) {
+    FormattedText result;
+    result.readable = false;
+    if (!framed.empty()) result.runs.push_back(TextRun{std::u16string(framed), TextFormat{}});
+    return result;
+}
+
 FormattedText ReadMarkup(std::u16string_view content) {
-    static constexpr std::u16string_view kOpen = u"<?xml version=\"1.0\"?><Text>", kClose = u"</Text>";
+    // The direct reader makes the runs as it reads, as ReadMarkupThroughTree would from the tree
+    // of the same fragment. What it refuses, and what has too many formats (whose budget depends
+    // on the fragment the tree came from), is decided through the tree.
+    FormattedText result;
+    const std::u16string_view framed = WithoutFrame(content);
+    try {
+        // The direct reader refuses line breaks and hard spaces ("<br>" is not a span, "nbsp" not
+        // a reference it knows): markup it takes is its own preparation, as the tree's way has it.
+        std::optional<std::vector<TextRun>> runs = ReadSimpleRuns(framed, DocumentSize(framed.size()));
+        if (!runs) {
+            const std::u16string prepared = PrepareMarkup(content);
+            if (prepared != framed) runs = ReadSimpleRuns(prepared, DocumentSize(prepared.size()));
+        }
+        if (runs) {
+            result.runs = std::move(*runs);
+            return result;
+        }
+    } catch (const TooManyFormats&) {
+    }
+    return ReadMarkupThroughTree(content);
+}
+
+}  // namespace
+
+FormattedText ReadMarkupThroughTree(std::u16string_view content) {
     FormattedText result;
     // Markup without line breaks and hard spaces is its own preparation when the direct reader
     // takes it (it takes quoted attribute values only, and only they are left as they are).
     const std::u16string_view framed = WithoutFrame(content);
     std::shared_ptr<FMT::Text> tree = HasBreaksOrHardSpaces(framed) ? nullptr : ReadSimpleMarkup(framed);
     const std::u16string prepared = tree ? std::u16string() : PrepareMarkup(content);
-    const std::size_t documentSize = kOpen.size() + (tree ? framed.size() : prepared.size()) + kClose.size();
+    const std::size_t documentSize = DocumentSize(tree ? framed.size() : prepared.size());
     try {
         if (!tree) tree = ReadSimpleMarkup(prepared);
         if (!tree) {
@@ -343,52 +310,64 @@ FormattedText ReadMarkup(std::u16string_view content) {
             document += kClose;
             tree = FMT::ParseText(document);
         }
-        result.runs = RunsOf(*tree, documentSize);
+        result.runs = RunsOfTree(*tree, documentSize);
     } catch (const xml::XmlError&) {
-        result.readable = false;
+        return Unreadable(framed);
     } catch (const TooManyFormats&) {
-        result.readable = false;
-    }
-    if (!result.readable) {
-        result.runs.clear();
-        if (!framed.empty()) result.runs.push_back(TextRun{std::u16string(framed), TextFormat{}});
+        return Unreadable(framed);
     }
     return result;
 }
-
-}  // namespace
 
 std::u16string PrepareMarkup(std::u16string_view content) {
     return QuoteAttributeValues(ReplaceBreaksAndSpaces(WithoutFrame(content)));
 }
 
-FormattedText ParseMarkup(std::u16string_view content) {
-    // Changing a paragraph's text reads its markup three times (the macro reads the value, the
+std::shared_ptr<const FormattedText> ParseMarkupShared(std::u16string_view content) {
+    // Changing a paragraph's text reads its markup twice or more (the macro reads the value, the
     // write compares it with the old one and keeps the old formatting): the last markup read is
     // remembered with its runs.
     struct LastRead {
         std::u16string content;
-        FormattedText runs;
+        std::shared_ptr<const FormattedText> runs;
     };
     thread_local LastRead last;
-    if (!last.content.empty() && content == last.content) return last.runs;
-    FormattedText runs = ReadMarkup(content);
-    last.runs = runs;
+    if (last.runs && content.size() == last.content.size() &&
+        std::memcmp(content.data(), last.content.data(), content.size() * sizeof(char16_t)) == 0) {
+        return last.runs;
+    }
+    auto runs = std::make_shared<const FormattedText>(ReadMarkup(content));
+    last.runs = nullptr;  // until the content it belongs to is in place
     last.content = content;
+    last.runs = runs;
     return runs;
 }
 
+FormattedText ParseMarkup(std::u16string_view content) { return *ParseMarkupShared(content); }
+
 std::u16string WriteMarkup(const FormattedText& text) {
-    FormattedText joined = text;
-    joined.Normalize();
-    const std::u16string plain = joined.PlainText();
-    const std::vector<bool> hard = HardSpaces(plain);
+    // The runs are joined as Normalize joins them, without a copy: a stretch of neighbours with the
+    // same formatting (empty runs left out) is written as one run.
+    const std::vector<TextRun>& runs = text.runs;
+    std::u16string joined;
+    if (runs.size() > 1) {
+        joined.reserve(text.Length());
+        for (const TextRun& run : runs) joined += run.text;
+    }
+    const std::u16string_view plain = runs.size() == 1 ? std::u16string_view(runs[0].text) : joined;
     std::u16string out;
-    out.reserve(plain.size() + 32 * joined.runs.size());
+    out.reserve(plain.size() + 32 * runs.size());
     const std::u16string* openLink = nullptr;
     std::size_t offset = 0;
-    for (const TextRun& run : joined.runs) {
-        const std::u16string* link = run.format.href ? &*run.format.href : nullptr;
+    for (std::size_t i = 0; i < runs.size();) {
+        if (runs[i].text.empty()) {
+            ++i;
+            continue;
+        }
+        const TextFormat& format = runs[i].format;
+        std::size_t end = i + 1;
+        while (end < runs.size() && (runs[end].text.empty() || runs[end].format == format)) ++end;
+        const std::u16string* link = format.href ? &*format.href : nullptr;
         if (openLink && (!link || *link != *openLink)) {
             out += u"</a>";
             openLink = nullptr;
@@ -399,11 +378,13 @@ std::u16string WriteMarkup(const FormattedText& text) {
             out += u'>';
             openLink = link;
         }
-        const bool span = !run.format.style.empty() || run.format.lang;
-        if (span) AppendSpanStart(out, run.format);
-        AppendText(out, run.text, hard, offset);
+        const bool span = !format.style.empty() || format.lang;
+        if (span) AppendSpanStart(out, format);
+        for (; i < end; ++i) {
+            AppendText(out, plain, offset, runs[i].text.size());
+            offset += runs[i].text.size();
+        }
         if (span) out += u"</span>";
-        offset += run.text.size();
     }
     if (openLink) out += u"</a>";
     return out;

@@ -28,6 +28,7 @@
 // XML declaration or wrapper is written.
 #pragma once
 
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -40,6 +41,12 @@ std::u16string PrepareMarkup(std::u16string_view content);
 
 // The runs of a text element's content.
 FormattedText ParseMarkup(std::u16string_view content);
+// The same runs, shared: the last content read on this thread is not read again.
+std::shared_ptr<const FormattedText> ParseMarkupShared(std::u16string_view content);
+// The same runs by the longer way: a tree (the direct reader's, else the XML reader's) built first
+// and then walked. ParseMarkup goes this way for what the direct reader refuses or finds too
+// formatted; elsewhere the two agree, which the tests and the fuzz target check.
+FormattedText ReadMarkupThroughTree(std::u16string_view content);
 
 // The markup of the runs (joined as FormattedText::Normalize does).
 std::u16string WriteMarkup(const FormattedText& text);

@@ -1,5 +1,7 @@
 #include "onenote/fmt_paragraph.h"
 
+#include <algorithm>
+
 #include "core/value.h"
 #include "onenote/fmt_markup.h"
 #include "onenote/messages.h"
@@ -8,17 +10,30 @@ namespace qm::onenote {
 
 namespace {
 
-FormattedText Joined(FormattedText text) {
-    text.Normalize();
-    return text;
+// Whether the two hold the same characters formatted alike, which is when Normalize makes them
+// equal: the joined form is the characters cut where the formatting changes. Walked without a copy.
+bool SameWhenJoined(const std::vector<TextRun>& a, const std::vector<TextRun>& b) {
+    std::size_t i = 0, j = 0, atA = 0, atB = 0;  // runs and offsets in them
+    for (;;) {
+        while (i < a.size() && atA == a[i].text.size()) ++i, atA = 0;
+        while (j < b.size() && atB == b[j].text.size()) ++j, atB = 0;
+        if (i == a.size() || j == b.size()) return i == a.size() && j == b.size();
+        if (!(a[i].format == b[j].format)) return false;
+        const std::size_t size = std::min(a[i].text.size() - atA, b[j].text.size() - atB);
+        if (a[i].text.compare(atA, size, b[j].text, atB, size) != 0) return false;
+        atA += size;
+        atB += size;
+    }
 }
 
 }  // namespace
 
 FormattedText ReadRuns(const ON::T& t) { return ParseMarkup(t.text); }
 
+std::shared_ptr<const FormattedText> ReadRunsShared(const ON::T& t) { return ParseMarkupShared(t.text); }
+
 bool StoreRuns(ON::T& t, const FormattedText& before, const FormattedText& after) {
-    if (Joined(before).runs == Joined(after).runs) return false;
+    if (SameWhenJoined(before.runs, after.runs)) return false;
     t.text = WriteMarkup(after);
     // Through the header: CDATA is how OneNote hands text elements over and takes them back.
     xml::ChildElement& header = t;
@@ -26,7 +41,7 @@ bool StoreRuns(ON::T& t, const FormattedText& before, const FormattedText& after
     return true;
 }
 
-std::u16string TextOf(const ON::T& t) { return ReadRuns(t).PlainText(); }
+std::u16string TextOf(const ON::T& t) { return ReadRunsShared(t)->PlainText(); }
 
 std::vector<ON::T*> TextElementsOf(const ON::OE& paragraph) {
     std::vector<ON::T*> elements;
@@ -48,7 +63,12 @@ std::size_t OffsetInParagraph(const ON::OE* paragraph, const ON::T& t) {
 
 std::u16string TextOfParagraph(const ON::OE& paragraph) {
     std::u16string text;
-    for (const ON::T* element : TextElementsOf(paragraph)) text += TextOf(*element);
+    for (const auto& choice : paragraph.content) {
+        if (!choice || !choice->t) continue;
+        const std::shared_ptr<const FormattedText> runs = ReadRunsShared(*choice->t);
+        text.reserve(text.size() + runs->Length());
+        for (const TextRun& run : runs->runs) text += run.text;
+    }
     return text;
 }
 
@@ -73,17 +93,21 @@ bool SetTextOfParagraph(ON::OE& paragraph, std::u16string_view text) {
         paragraph.content.Add(std::move(choice));
         changed = true;
     }
-    const FormattedText before = ReadRuns(*first);
-    FormattedText after = before;
-    after.ReplaceRange(0, after.Length(), NormalizeLineBreaks(text));
-    return StoreRuns(*first, before, after) || changed;
+    // All the text replaced: one run, formatted as the first character was (ReplaceRange over the
+    // whole text, without copying the runs it drops).
+    const std::shared_ptr<const FormattedText> before = ReadRunsShared(*first);
+    const TextRun* firstRun = before->RunAt(0);
+    FormattedText after;
+    after.readable = before->readable;
+    after.runs.push_back(TextRun{NormalizeLineBreaks(text), firstRun ? firstRun->format : TextFormat{}});
+    return StoreRuns(*first, *before, after) || changed;
 }
 
 bool FormatAll(ON::T& t, TextProperty property, const MacroValue& value) {
-    const FormattedText before = ReadRuns(t);
-    FormattedText after = before;
+    const std::shared_ptr<const FormattedText> before = ReadRunsShared(t);
+    FormattedText after = *before;
     after.FormatRange(0, after.Length(), [&](TextFormat& format) { WriteTextProperty(format, property, value); });
-    return StoreRuns(t, before, after);
+    return StoreRuns(t, *before, after);
 }
 
 bool FormatParagraph(ON::OE& paragraph, TextProperty property, const MacroValue& value) {

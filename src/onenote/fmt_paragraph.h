@@ -13,6 +13,7 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -25,6 +26,8 @@
 namespace qm::onenote {
 
 FormattedText ReadRuns(const ON::T& t);
+// The same runs, shared with the last reading of the same text (fmt_markup.h).
+std::shared_ptr<const FormattedText> ReadRunsShared(const ON::T& t);
 // Stores `after` as the element's text when it differs from `before` (the runs the element
 // held); true when the text changed. A rewritten element is written as CDATA, as OneNote does.
 bool StoreRuns(ON::T& t, const FormattedText& before, const FormattedText& after);

@@ -1,6 +1,7 @@
 #include "onenote/fmt_quick_reader.h"
 #include "core/code_point.h"
 
+#include <array>
 #include <optional>
 #include <string>
 #include <vector>
@@ -28,57 +29,47 @@ bool IsReferable(char32_t c) {
            (c >= 0x10000 && c < 0x100000);
 }
 
+// An attribute value as read: `text` is the value itself, in the markup or in a buffer.
+struct Value {
+    bool present = false;
+    std::u16string_view text;
+
+    std::optional<std::u16string_view> View() const { return present ? std::optional(text) : std::nullopt; }
+    std::optional<std::u16string> Copy() const { return present ? std::optional(std::u16string(text)) : std::nullopt; }
+};
+
+// The reader hands what it reads to a sink: text, `span` and `a` starts, element ends.
+template <class Sink>
 class QuickReader {
 public:
-    explicit QuickReader(std::u16string_view text) : text_(text) {}
+    QuickReader(std::u16string_view text, Sink& sink) : text_(text), sink_(sink) {}
 
-    std::shared_ptr<FMT::Text> Read() {
-        auto root = std::make_shared<FMT::Text>();
-        std::vector<Open> open{{&root->content, u""}};
-        std::u16string pending;  // text not yet added to the innermost element
+    bool Read() {
         while (at_ < text_.size()) {
             const char16_t c = text_[at_];
             if (c == u'<') {
-                Add(*open.back().content, pending);
-                if (!Tag(open)) return nullptr;
+                if (!Tag()) return false;
             } else if (c == u'&') {
-                if (!Reference(pending)) return nullptr;
+                reference_.clear();
+                if (!Reference(reference_)) return false;
+                sink_.Text(reference_);
             } else {
                 const std::size_t begin = at_;
-                for (; More() && text_[at_] != u'<' && text_[at_] != u'&'; ++at_) {
+                for (; More(); ++at_) {
                     const char16_t t = text_[at_];
+                    if (t > u'>' && t < 0xDBC0) continue;  // most characters, at one test
+                    if (t == u'<' || t == u'&') break;
                     if (!IsPlain(t) || (t == u'>' && at_ >= 2 && text_[at_ - 1] == u']' && text_[at_ - 2] == u']')) {
-                        return nullptr;
+                        return false;
                     }
                 }
-                pending.append(text_.substr(begin, at_ - begin));
+                sink_.Text(text_.substr(begin, at_ - begin));
             }
         }
-        if (open.size() != 1) return nullptr;
-        Add(*open.back().content, pending);
-        return root;
+        return depth_ == 0;
     }
 
 private:
-    struct Open {
-        std::vector<FMT::Item>* content;
-        std::u16string_view name;
-    };
-
-    // As the mixed content field adds text: joined to a piece of text before it.
-    static void Add(std::vector<FMT::Item>& content, std::u16string& text) {
-        if (text.empty()) return;
-        if (!content.empty()) {
-            if (auto* last = std::get_if<std::u16string>(&content.back())) {
-                last->append(text);
-                text.clear();
-                return;
-            }
-        }
-        content.emplace_back(std::in_place_type<std::u16string>, std::move(text));
-        text.clear();
-    }
-
     bool More() const { return at_ < text_.size(); }
     void SkipBlanks() {
         while (More() && IsBlank(text_[at_])) ++at_;
@@ -134,71 +125,80 @@ private:
         return true;
     }
 
-    // A quoted attribute value, its references replaced and blanks made spaces.
-    std::optional<std::u16string> Value() {
-        if (!More() || (text_[at_] != u'"' && text_[at_] != u'\'')) return std::nullopt;
+    // A quoted attribute value, its references replaced and blanks made spaces: the markup
+    // itself when it holds neither, else `buffer`.
+    bool ReadValue(Value& value, std::u16string& buffer) {
+        if (!More() || (text_[at_] != u'"' && text_[at_] != u'\'')) return false;
         const char16_t quote = text_[at_++];
-        std::u16string value;
+        const std::size_t begin = at_;
+        while (More() && text_[at_] != quote && text_[at_] != u'&' && text_[at_] != u'<' && IsPlain(text_[at_]) &&
+               (text_[at_] == u' ' || !IsBlank(text_[at_]))) {
+            ++at_;
+        }
+        if (More() && text_[at_] == quote) {
+            value = Value{true, text_.substr(begin, at_ - begin)};
+            ++at_;
+            return true;
+        }
+        buffer.assign(text_.substr(begin, at_ - begin));
         while (More() && text_[at_] != quote) {
             const char16_t c = text_[at_];
             if (c == u'&') {
-                if (!Reference(value)) return std::nullopt;
+                if (!Reference(buffer)) return false;
                 continue;
             }
-            if (c == u'<' || !IsPlain(c)) return std::nullopt;
-            value += IsBlank(c) ? u' ' : c;
+            if (c == u'<' || !IsPlain(c)) return false;
+            buffer += IsBlank(c) ? u' ' : c;
             ++at_;
         }
-        if (!More()) return std::nullopt;
+        if (!More()) return false;
         ++at_;
-        return value;
+        value = Value{true, buffer};
+        return true;
     }
 
     // A start or end tag at '<'.
-    bool Tag(std::vector<Open>& open) {
+    bool Tag() {
         ++at_;
         if (More() && text_[at_] == u'/') {
             ++at_;
             const std::u16string_view name = Name();
             SkipBlanks();
-            if (!More() || text_[at_] != u'>' || open.size() == 1 || name != open.back().name) return false;
+            if (!More() || text_[at_] != u'>' || depth_ == 0 || name != (isSpan_[depth_ - 1] ? u"span" : u"a")) {
+                return false;
+            }
             ++at_;
-            open.pop_back();
+            --depth_;
+            sink_.Close();
             return true;
         }
         const std::u16string_view name = Name();
-        std::vector<FMT::Item>& parent = *open.back().content;
-        std::vector<FMT::Item>* content = nullptr;
-        std::optional<std::u16string>* first = nullptr;   // style or href
-        std::optional<std::u16string>* second = nullptr;  // lang
-        if (name == u"span") {
-            auto span = std::make_shared<FMT::span>();
-            first = &span->style;
-            second = &span->lang;
-            content = &span->content;
-            parent.emplace_back(std::move(span));
-        } else if (name == u"a") {
-            auto anchor = std::make_shared<FMT::a>();
-            first = &anchor->href;
-            content = &anchor->content;
-            parent.emplace_back(std::move(anchor));
-        } else {
-            return false;
-        }
+        const bool span = name == u"span";
+        if (!span && name != u"a") return false;
+        Value first, second;  // style or href; lang
         for (;;) {
             const std::size_t before = at_;
             SkipBlanks();
             if (!More()) return false;
-            if (text_[at_] == u'>') {
+            const bool empty = text_[at_] == u'/';
+            if (text_[at_] == u'>' || empty) {
                 ++at_;
-                if (open.size() > kMaxDepth) return false;
-                open.push_back(Open{content, name});
-                return true;
-            }
-            if (text_[at_] == u'/') {
-                ++at_;
-                if (!More() || text_[at_] != u'>') return false;
-                ++at_;
+                if (empty) {
+                    if (!More() || text_[at_] != u'>') return false;
+                    ++at_;
+                } else if (depth_ == kMaxDepth) {
+                    return false;
+                }
+                if (span) {
+                    sink_.OpenSpan(first, second);
+                } else {
+                    sink_.OpenAnchor(first);
+                }
+                if (empty) {
+                    sink_.Close();
+                } else {
+                    isSpan_[depth_++] = span;
+                }
                 return true;
             }
             if (at_ == before) return false;  // attributes stand apart
@@ -207,24 +207,88 @@ private:
             if (!More() || text_[at_] != u'=') return false;
             ++at_;
             SkipBlanks();
-            std::optional<std::u16string>* slot = nullptr;
-            if (attribute == (second != nullptr ? u"style" : u"href")) {
-                slot = first;
-            } else if (second != nullptr && attribute == u"lang") {
-                slot = second;
+            Value* slot = nullptr;
+            std::u16string* buffer = nullptr;
+            if (attribute == (span ? u"style" : u"href")) {
+                slot = &first;
+                buffer = &firstBuffer_;
+            } else if (span && attribute == u"lang") {
+                slot = &second;
+                buffer = &secondBuffer_;
             }
-            if (slot == nullptr || slot->has_value()) return false;
-            *slot = Value();
-            if (!slot->has_value()) return false;
+            if (slot == nullptr || slot->present || !ReadValue(*slot, *buffer)) return false;
         }
     }
 
     std::u16string_view text_;
+    Sink& sink_;
     std::size_t at_ = 0;
+    std::array<bool, kMaxDepth> isSpan_{};  // the open elements, outer to inner: span or a
+    std::size_t depth_ = 0;
+    std::u16string reference_, firstBuffer_, secondBuffer_;
+};
+
+// Builds the tree the FMT binding would.
+class TreeSink {
+public:
+    explicit TreeSink(FMT::Text& root) { open_.push_back(&root.content); }
+
+    // As the mixed content field adds text: joined to a piece of text before it.
+    void Text(std::u16string_view text) {
+        if (text.empty()) return;
+        std::vector<FMT::Item>& content = *open_.back();
+        if (!content.empty()) {
+            if (auto* last = std::get_if<std::u16string>(&content.back())) {
+                last->append(text);
+                return;
+            }
+        }
+        content.emplace_back(std::in_place_type<std::u16string>, text);
+    }
+    void OpenSpan(const Value& style, const Value& lang) {
+        auto span = std::make_shared<FMT::span>();
+        span->style = style.Copy();
+        span->lang = lang.Copy();
+        open_.push_back(&span->content);
+        open_[open_.size() - 2]->emplace_back(std::move(span));
+    }
+    void OpenAnchor(const Value& href) {
+        auto anchor = std::make_shared<FMT::a>();
+        anchor->href = href.Copy();
+        open_.push_back(&anchor->content);
+        open_[open_.size() - 2]->emplace_back(std::move(anchor));
+    }
+    void Close() { open_.pop_back(); }
+
+private:
+    std::vector<std::vector<FMT::Item>*> open_;
+};
+
+class RunSink {
+public:
+    explicit RunSink(RunBuilder& builder) : builder_(builder) {}
+    void Text(std::u16string_view text) { builder_.Text(text); }
+    void OpenSpan(const Value& style, const Value& lang) { builder_.OpenSpan(style.View(), lang.View()); }
+    void OpenAnchor(const Value& href) { builder_.OpenAnchor(href.View()); }
+    void Close() { builder_.Close(); }
+
+private:
+    RunBuilder& builder_;
 };
 
 }  // namespace
 
-std::shared_ptr<FMT::Text> ReadSimpleMarkup(std::u16string_view prepared) { return QuickReader(prepared).Read(); }
+std::shared_ptr<FMT::Text> ReadSimpleMarkup(std::u16string_view prepared) {
+    auto root = std::make_shared<FMT::Text>();
+    TreeSink sink(*root);
+    return QuickReader(prepared, sink).Read() ? root : nullptr;
+}
+
+std::optional<std::vector<TextRun>> ReadSimpleRuns(std::u16string_view prepared, std::size_t markupSize) {
+    RunBuilder builder(markupSize);
+    RunSink sink(builder);
+    if (!QuickReader(prepared, sink).Read()) return std::nullopt;
+    return builder.Take();
+}
 
 }  // namespace qm::onenote

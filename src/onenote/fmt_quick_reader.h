@@ -11,13 +11,21 @@
 // result is always the one it would give.
 #pragma once
 
+#include <cstddef>
 #include <memory>
+#include <optional>
 #include <string_view>
+#include <vector>
 
+#include "onenote/fmt_run_builder.h"
 #include "onenote/fmt_schema.h"
 
 namespace qm::onenote {
 
 std::shared_ptr<FMT::Text> ReadSimpleMarkup(std::u16string_view prepared);
+
+// The runs of the same markup, made as it is read, without the tree: RunsOfTree of
+// ReadSimpleMarkup's tree, and null where that is. Raises TooManyFormats as RunsOfTree does.
+std::optional<std::vector<TextRun>> ReadSimpleRuns(std::u16string_view prepared, std::size_t markupSize);
 
 }  // namespace qm::onenote

@@ -15,41 +15,61 @@ std::u16string_view Trim(std::u16string_view text) {
     return text;
 }
 
-std::u16string LowerAscii(std::u16string_view text) {
-    std::u16string out(text);
-    for (char16_t& c : out) {
-        if (c >= u'A' && c <= u'Z') c = static_cast<char16_t>(c - u'A' + u'a');
-    }
-    return out;
-}
-
-// Where each name stands in a list of declarations: so that a style with many declarations is
-// not read in quadratic time.
+// Where each name stands in a list of declarations. A style of a few declarations is searched
+// from the start, as fast as any index; from kLinear on, a map keeps a style with many
+// declarations from being read in quadratic time.
 class CssIndex {
 public:
-    explicit CssIndex(CssDeclarations& declarations) : declarations_(declarations) {
-        for (std::size_t i = 0; i < declarations.size(); ++i) places_.emplace(declarations[i].name, i);
-    }
-    void Set(std::u16string name, std::u16string value) {
-        const auto [place, added] = places_.emplace(name, declarations_.size());
-        if (added) {
-            declarations_.push_back(CssDeclaration{std::move(name), std::move(value)});
-        } else {
-            declarations_[place->second].value = std::move(value);
+    explicit CssIndex(CssDeclarations& declarations) : declarations_(declarations) {}
+
+    void Set(std::u16string_view name, std::u16string_view value) {
+        if (CssDeclaration* declaration = Find(name)) {
+            declaration->value.assign(value);
+            return;
         }
+        if (!places_.empty()) places_.emplace(std::u16string(name), declarations_.size());
+        declarations_.push_back(CssDeclaration{std::u16string(name), std::u16string(value)});
     }
 
 private:
+    static constexpr std::size_t kLinear = 8;
+
+    struct Hash {
+        using is_transparent = void;
+        std::size_t operator()(std::u16string_view text) const { return std::hash<std::u16string_view>{}(text); }
+    };
+
+    CssDeclaration* Find(std::u16string_view name) {
+        if (places_.empty() && declarations_.size() <= kLinear) {
+            for (CssDeclaration& d : declarations_) {
+                if (d.name == name) return &d;
+            }
+            return nullptr;
+        }
+        if (places_.empty()) {
+            for (std::size_t i = 0; i < declarations_.size(); ++i) places_.emplace(declarations_[i].name, i);
+        }
+        const auto place = places_.find(name);
+        return place == places_.end() ? nullptr : &declarations_[place->second];
+    }
+
     CssDeclarations& declarations_;
-    std::unordered_map<std::u16string, std::size_t> places_;
+    std::unordered_map<std::u16string, std::size_t, Hash, std::equal_to<>> places_;
 };
 
-void AddDeclaration(CssIndex& index, std::u16string_view piece) {
+void AddDeclaration(CssIndex& index, std::u16string_view piece, std::u16string& lower) {
     const std::size_t colon = piece.find(u':');
     if (colon == std::u16string_view::npos) return;
-    const std::u16string_view name = Trim(piece.substr(0, colon));
+    std::u16string_view name = Trim(piece.substr(0, colon));
     if (name.empty()) return;
-    index.Set(LowerAscii(name), std::u16string(Trim(piece.substr(colon + 1))));
+    if (std::any_of(name.begin(), name.end(), [](char16_t c) { return c >= u'A' && c <= u'Z'; })) {
+        lower.assign(name);
+        for (char16_t& c : lower) {
+            if (c >= u'A' && c <= u'Z') c = static_cast<char16_t>(c - u'A' + u'a');
+        }
+        name = lower;
+    }
+    index.Set(name, Trim(piece.substr(colon + 1)));
 }
 
 }  // namespace
@@ -59,9 +79,10 @@ void AddDeclaration(CssIndex& index, std::u16string_view piece) {
 CssDeclarations ParseCss(std::u16string_view style) {
     CssDeclarations declarations;
     CssIndex index(declarations);
+    std::u16string lower;
     while (!style.empty()) {
         const std::size_t semicolon = style.find(u';');
-        AddDeclaration(index, style.substr(0, semicolon));
+        AddDeclaration(index, style.substr(0, semicolon), lower);
         if (semicolon == std::u16string_view::npos) break;
         style.remove_prefix(semicolon + 1);
     }
@@ -217,13 +238,12 @@ void FormattedText::ReplaceRange(std::size_t start, std::size_t end, std::u16str
 std::u16string NormalizeLineBreaks(std::u16string_view text) {
     std::u16string out;
     out.reserve(text.size());
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (text[i] == u'\r') {
-            out += u'\n';
-            if (i + 1 < text.size() && text[i + 1] == u'\n') ++i;
-        } else {
-            out += text[i];
-        }
+    for (std::size_t i = 0; i < text.size();) {
+        const std::size_t r = std::min(text.find(u'\r', i), text.size());
+        out.append(text.substr(i, r - i));
+        if (r == text.size()) break;
+        out += u'\n';
+        i = r + 1 < text.size() && text[r + 1] == u'\n' ? r + 2 : r + 1;
     }
     return out;
 }

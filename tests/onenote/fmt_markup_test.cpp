@@ -100,6 +100,7 @@ TEST(FormattedTextReading, RunsFollowTheChainsOfSpansAndLinks) {
         const FormattedText text = ParseMarkup(c.content);
         EXPECT_TRUE(text.readable);
         EXPECT_EQ(Show(text.runs), Show(c.runs));
+        EXPECT_EQ(Show(ReadMarkupThroughTree(c.content).runs), Show(c.runs));
         ExpectStable(text);
     }
 }
@@ -135,6 +136,7 @@ TEST(FormattedTextReading, MarkupThatDoesNotReadIsOnePlainRunOfTheStoredText) {
         }
         EXPECT_FALSE(text.readable);
         EXPECT_EQ(Show(text.runs), Show(Runs({{content}})));
+        EXPECT_FALSE(ReadMarkupThroughTree(u"\n  " + content + u"\n").readable);
     }
 }
 
@@ -166,6 +168,10 @@ TEST(FormattedTextWriting, RunsBecomeOneNoteMarkup) {
         // Spaces HTML would fold: at the ends of the text and of its lines, and before another space.
         {Runs({{u" a  b   c \n d "}}), u"&nbsp;a&nbsp; b&nbsp;&nbsp; c&nbsp;<br>&nbsp;d&nbsp;"},
         {Runs({{u"a"}, {u"", u"color:red"}, {u"b"}}), u"ab"},
+        {Runs({{u"a", u"x:1"}, {u""}, {u"b", u"x:1"}, {u" "}}), u"<span style='x:1'>ab</span>&nbsp;"},
+        // Whether a space folds depends on its neighbours in other runs.
+        {Runs({{u"a ", u"color:red"}, {u" b"}, {u" "}, {u"\nc", u"x:1"}}),
+         u"<span style='color:red'>a&nbsp;</span> b&nbsp;<span style='x:1'><br>c</span>"},
     };
     for (const Case& c : cases) {
         FormattedText text;
@@ -193,6 +199,54 @@ TEST(FormattedTextWriting, ContentOneNoteWroteIsStoredOnlyWhenItChanges) {
         EXPECT_FALSE(StoreRuns(t, runs, same));
         EXPECT_EQ(t.text, content);
         if (runs.readable) ExpectStable(runs);
+    }
+}
+
+TEST(FormattedTextWriting, RunsAreStoredWhenTheirJoinedFormDiffers) {
+    struct Case {
+        std::vector<TextRun> before, after;
+        bool changed;
+    };
+    const Case cases[] = {
+        {Runs({{u"ab", u"x:1"}, {u"c"}}), Runs({{u"a", u"x:1"}, {u""}, {u"b", u"x:1"}, {u"c"}, {u""}}), false},
+        {Runs({{u"abc"}}), Runs({{u"a"}, {u"bc"}}), false},
+        {{}, Runs({{u""}, {u"", u"x:1"}}), false},
+        {Runs({{u"abc"}}), Runs({{u"ab"}}), true},
+        {Runs({{u"ab"}}), Runs({{u"abc"}}), true},
+        {Runs({{u"abc"}}), Runs({{u"a"}, {u"b", u"x:1"}, {u"c"}}), true},
+        {Runs({{u"abc", u"x:1"}}), Runs({{u"abc", u"x:2"}}), true},
+        {Runs({{u"abc", u"", u"en"}}), Runs({{u"abc"}}), true},
+        {Runs({{u"ab"}, {u"c", u"", u"", u"h"}}), Runs({{u"ab"}, {u"d", u"", u"", u"h"}}), true},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(Show(c.before) + " -> " + Show(c.after));
+        FormattedText before, after;
+        before.runs = c.before;
+        after.runs = c.after;
+        ON::T t;
+        t.text = u"kept";
+        EXPECT_EQ(StoreRuns(t, before, after), c.changed);
+        EXPECT_EQ(t.text, c.changed ? WriteMarkup(after) : u"kept");
+    }
+}
+
+TEST(FormattedTextCss, ANameGivenTwiceKeepsItsFirstPlaceAndItsLastValue) {
+    // Few declarations are searched in place, many through an index: both the same way.
+    for (const int count : {3, 8, 9, 40}) {
+        SCOPED_TRACE(count);
+        std::u16string style = u"COLOR:red;";
+        std::u16string expected = u"color:blue";
+        for (int i = 0; i < count; ++i) {
+            style += u" n" + IntegerText(i) + u" : v ;";
+            expected += u";n" + IntegerText(i) + u":" + (i == 1 ? u"w" : u"v");
+        }
+        style += u"Color: blue;n1:w;:x;y";
+        CssDeclarations parsed = ParseCss(style);
+        EXPECT_EQ(ToUtf8(FormatCss(parsed)), ToUtf8(expected));
+        MergeCss(parsed, ParseCss(u"n0:z;new:1"));
+        EXPECT_EQ(*FindCss(parsed, u"n0"), u"z");
+        EXPECT_EQ(parsed.back(), (CssDeclaration{u"new", u"1"}));
+        EXPECT_EQ(parsed.size(), static_cast<std::size_t>(count) + 2);
     }
 }
 
@@ -240,6 +294,10 @@ TEST(FormattedTextBinding, TheDirectReaderBuildsTheTreeTheXmlReaderBuilds) {
         if (!direct) continue;
         const auto full = FMT::ParseText(u"<?xml version=\"1.0\"?><Text>" + std::u16string(c.prepared) + u"</Text>");
         EXPECT_EQ(ToUtf8(FMT::SerializeText(*direct)), ToUtf8(FMT::SerializeText(*full)));
+        // Its runs, made as it reads, are those of the tree.
+        const auto runs = ReadSimpleRuns(c.prepared, 100);
+        ASSERT_TRUE(runs.has_value());
+        EXPECT_EQ(Show(*runs), Show(RunsOfTree(*full, 100)));
     }
 }
 
@@ -249,6 +307,7 @@ TEST(FormattedTextBinding, DeepNestingFailsCleanlyAndFallsBack) {
     deep += u"x";
     const FormattedText text = ParseMarkup(deep);
     EXPECT_FALSE(text.readable);
+    EXPECT_FALSE(ReadMarkupThroughTree(deep).readable);
     ASSERT_EQ(text.runs.size(), 1u);
     EXPECT_EQ(text.runs[0].text, deep);
 }
@@ -316,6 +375,7 @@ TEST(FormattedTextSamples, EveryTextElementOfTheRealPagesReadsWithoutLoss) {
             ++elements;
             const FormattedText runs = ParseMarkup(t->text);
             EXPECT_TRUE(runs.readable) << ToUtf8(t->text);
+            EXPECT_EQ(Show(runs.runs), Show(ReadMarkupThroughTree(t->text).runs));
             if (runs.runs.size() > 1 || (runs.runs.size() == 1 && !runs.runs[0].format.IsPlain())) ++formatted;
             EXPECT_EQ(runs.PlainText().find(u"&nbsp;"), std::u16string::npos);
             ExpectStable(runs);

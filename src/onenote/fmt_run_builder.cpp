@@ -1,0 +1,121 @@
+#include "onenote/fmt_run_builder.h"
+
+#include <memory>
+#include <utility>
+
+namespace qm::onenote {
+
+namespace {
+
+constexpr std::size_t kNoRun = static_cast<std::size_t>(-1);
+
+std::size_t SizeOf(const TextFormat& format) {
+    std::size_t size = 1 + (format.lang ? format.lang->size() : 0) + (format.href ? format.href->size() : 0);
+    for (const CssDeclaration& d : format.style) size += d.name.size() + d.value.size() + 2;
+    return size;
+}
+
+}  // namespace
+
+RunBuilder::RunBuilder(std::size_t markupSize) : budget_(32 * markupSize + 65536) {
+    frames_.push_back(Frame{TextFormat{}, SizeOf(TextFormat{}), 0, kNoRun});
+    frames_.reserve(4);
+    runs_.reserve(8);
+}
+
+void RunBuilder::Spend(std::size_t size) {
+    if (size > budget_) throw TooManyFormats{};
+    budget_ -= size;
+}
+
+void RunBuilder::Text(std::u16string_view text) {
+    if (text.empty()) return;
+    Frame& top = frames_.back();
+    if (!runs_.empty() && lastElement_ == top.element) {
+        runs_.back().text += text;
+        return;
+    }
+    Spend(top.size);
+    if (top.firstRun == kNoRun) {
+        top.firstRun = runs_.size();
+        runs_.push_back(TextRun{std::u16string(text), TextFormat{}});
+    } else {
+        runs_.push_back(TextRun{std::u16string(text), top.format});
+    }
+    lastElement_ = top.element;
+}
+
+void RunBuilder::Open(TextFormat format) {
+    const std::size_t size = SizeOf(format);
+    frames_.push_back(Frame{std::move(format), size, ++elements_, kNoRun});
+}
+
+void RunBuilder::OpenSpan(const std::optional<std::u16string_view>& style,
+                          const std::optional<std::u16string_view>& lang) {
+    const TextFormat& outer = frames_.back().format;
+    Spend(frames_.back().size + (style ? style->size() : 0));
+    TextFormat format = outer;
+    if (style) {
+        if (format.style.empty()) {
+            format.style = ParseCss(*style);
+        } else {
+            MergeCss(format.style, ParseCss(*style));
+        }
+    }
+    if (lang && !lang->empty()) format.lang = std::u16string(*lang);
+    Open(std::move(format));
+}
+
+void RunBuilder::OpenAnchor(const std::optional<std::u16string_view>& href) {
+    const TextFormat& outer = frames_.back().format;
+    Spend(frames_.back().size + (href ? href->size() : 0));
+    TextFormat format = outer;
+    if (href && !href->empty()) format.href = std::u16string(*href);
+    Open(std::move(format));
+}
+
+void RunBuilder::Close() {
+    Frame& top = frames_.back();
+    if (top.firstRun != kNoRun) runs_[top.firstRun].format = std::move(top.format);
+    frames_.pop_back();
+}
+
+std::vector<TextRun> RunBuilder::Take() {
+    while (!frames_.empty()) Close();
+    return std::move(runs_);
+}
+
+std::vector<TextRun> RunsOfTree(const FMT::Text& root, std::size_t markupSize) {
+    struct Level {
+        const std::vector<FMT::Item>* items;
+        std::size_t next;
+    };
+    RunBuilder builder(markupSize);
+    std::vector<Level> stack{{&root.content, 0}};
+    const auto view = [](const std::optional<std::u16string>& value) {
+        return value ? std::optional<std::u16string_view>(*value) : std::nullopt;
+    };
+    while (!stack.empty()) {
+        Level& top = stack.back();
+        if (top.next == top.items->size()) {
+            stack.pop_back();
+            if (!stack.empty()) builder.Close();
+            continue;
+        }
+        const FMT::Item& item = (*top.items)[top.next++];
+        if (const auto* text = std::get_if<std::u16string>(&item)) {
+            builder.Text(*text);
+        } else if (const auto* span = std::get_if<std::shared_ptr<FMT::span>>(&item)) {
+            if (!*span) continue;
+            builder.OpenSpan(view((*span)->style), view((*span)->lang));
+            stack.push_back(Level{&(*span)->content, 0});
+        } else if (const auto* anchor = std::get_if<std::shared_ptr<FMT::a>>(&item)) {
+            if (!*anchor) continue;
+            builder.OpenAnchor(view((*anchor)->href));
+            stack.push_back(Level{&(*anchor)->content, 0});
+        }
+    }
+    return builder.Take();
+}
+
+}  // namespace qm::onenote
