@@ -10,39 +10,12 @@
 #include "core/evaluator.h"
 #include "core/parser.h"
 #include "core/text.h"
+#include "fake_object.h"
 
 namespace qm {
 namespace {
 
-// A macro object with a property bag. Reading an unknown property fails like the object model
-// does unless quiet; equal when type and id match.
-class FakeObject : public MacroObject {
-public:
-    FakeObject(std::int32_t type, int id) : type_(type), id_(id) {}
-    std::int32_t TypeNumber() const override { return type_; }
-    std::u16string TypeName() const override { return u"Fake"; }
-    MacroValue GetProperty(std::u16string_view name, bool quiet) override {
-        ++reads;
-        auto it = properties.find(std::u16string(name));
-        if (it != properties.end()) return it->second;
-        if (quiet) return MacroValue();
-        throw MacroError(u"Unknown property '" + std::u16string(name) + u"'");
-    }
-    void SetProperty(std::u16string_view name, const MacroValue& value) override {
-        ++writes;
-        properties[std::u16string(name)] = value;
-    }
-    bool SameAs(const MacroObject& other) const override { return static_cast<const FakeObject&>(other).id_ == id_; }
-    std::u16string Describe() const override { return u"Fake #" + IntegerText(id_) + u" (object)"; }
-
-    std::map<std::u16string, MacroValue> properties;
-    int reads = 0;
-    int writes = 0;
-
-private:
-    std::int32_t type_;
-    int id_;
-};
+using test::FakeObject;
 
 // Functions by name; every call is recorded.
 class FakeCalls : public CallHandler {
@@ -498,34 +471,28 @@ TEST_F(EvaluatorTest, CallsGetValuesLeftToRightAndSlotsForVariablesAndElements) 
 }
 
 TEST_F(EvaluatorTest, LogsRequestedEvaluations) {
-    Eval(u"$x = 1 + 2", true);
-    EXPECT_EQ(log.text_,
-              "\tEvaluating expression: ($x = (1 + 2))\r\n"
-              "\tNew Value: 3 (integer)\r\n"
-              "\t\tValue: 3 (integer)\r\n");
-    log.text_.clear();
-    Eval(u"$x = 1 + 2", false);
-    EXPECT_EQ(log.text_, "");
-    Eval(u"5", true);  // literals are never logged
-    EXPECT_EQ(log.text_, "");
-    Eval(u"$c ? $y = 1 : 2", true);
-    EXPECT_EQ(log.text_,
-              "\tEvaluating expression: ($c ? ($y = 1) : 2)\r\n"
-              "\t\tValue: 2 (string)\r\n");
-    log.text_.clear();
-    Eval(u"1 ? $y = \"a\" : 2", true);  // the chosen branch inherits the request
-    EXPECT_EQ(log.text_,
-              "\tEvaluating expression: (1 ? ($y = \"a\") : 2)\r\n"
-              "\tEvaluating expression: ($y = \"a\")\r\n"
-              "\tNew Value: a (string)\r\n"
-              "\t\tValue: a (string)\r\n"
-              "\t\tValue: a (string)\r\n");
-    log.text_.clear();
-    Eval(u"$o.count = 9", true);
-    EXPECT_EQ(log.text_,
-              "\tEvaluating expression: ($o.count = 9)\r\n"
-              "\tNew Value: 9 (string)\r\n"
-              "\t\tValue: 9 (string)\r\n");
+    const struct {
+        std::u16string expression;
+        bool logged;
+        std::string log;
+    } cases[] = {
+        {u"$x = 1 + 2", true,
+         "\tEvaluating expression: ($x = (1 + 2))\r\n\tNew Value: 3 (integer)\r\n\t\tValue: 3 (integer)\r\n"},
+        {u"$x = 1 + 2", false, ""},
+        {u"5", true, ""},  // literals are never logged
+        {u"$c ? $y = 1 : 2", true, "\tEvaluating expression: ($c ? ($y = 1) : 2)\r\n\t\tValue: 2 (string)\r\n"},
+        // The chosen branch inherits the request.
+        {u"1 ? $y = \"a\" : 2", true,
+         "\tEvaluating expression: (1 ? ($y = \"a\") : 2)\r\n\tEvaluating expression: ($y = \"a\")\r\n"
+         "\tNew Value: a (string)\r\n\t\tValue: a (string)\r\n\t\tValue: a (string)\r\n"},
+        {u"$o.count = 9", true,
+         "\tEvaluating expression: ($o.count = 9)\r\n\tNew Value: 9 (string)\r\n\t\tValue: 9 (string)\r\n"},
+    };
+    for (const auto& c : cases) {
+        log.text_.clear();
+        Eval(c.expression, c.logged);
+        EXPECT_EQ(log.text_, c.log) << ToUtf8(c.expression);
+    }
     log.text_.clear();
     EXPECT_THROW(Eval(u"1 / 0 + f()", true), MacroError);
     EXPECT_EQ(log.text_, "\tEvaluating expression: ((1 / 0) + f())\r\n");

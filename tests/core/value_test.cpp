@@ -7,25 +7,12 @@
 
 #include "core/text.h"
 #include "core/value.h"
+#include "fake_object.h"
 
 namespace qm {
 namespace {
 
-// A macro object for equality and description: equal when type and id match.
-class FakeObject : public MacroObject {
-public:
-    FakeObject(std::int32_t type, int id) : type_(type), id_(id) {}
-    std::int32_t TypeNumber() const override { return type_; }
-    std::u16string TypeName() const override { return u"Fake"; }
-    MacroValue GetProperty(std::u16string_view, bool) override { return MacroValue(); }
-    void SetProperty(std::u16string_view, const MacroValue&) override {}
-    bool SameAs(const MacroObject& other) const override { return static_cast<const FakeObject&>(other).id_ == id_; }
-    std::u16string Describe() const override { return u"Fake #" + IntegerText(id_) + u" (object)"; }
-
-private:
-    std::int32_t type_;
-    int id_;
-};
+using test::FakeObject;
 
 MacroValue Str(std::u16string_view s) { return MacroValue(s); }
 MacroValue Int(std::int32_t i) { return MacroValue(i); }
@@ -635,9 +622,10 @@ TEST(Arrays, LargeDenseArray) {
     EXPECT_EQ(a.elements()[a.KeyOrder()[2]].key, u"10");
 }
 
+// The multiplication sign (U+00D7) among the Latin-1 capitals is no letter.
 TEST(LowerCase, Units) {
     const std::pair<char16_t, char16_t> cases[] = {
-        {u'A', u'a'},           {u'z', u'z'},           {u'\u00C9', u'\u00E9'}, {u'\u00D7', u'\u00D7'},  // multiplication sign
+        {u'A', u'a'},           {u'z', u'z'},           {u'\u00C9', u'\u00E9'}, {u'\u00D7', u'\u00D7'},
         {u'\u0100', u'\u0101'}, {u'\u0141', u'\u0142'}, {u'\u0391', u'\u03B1'}, {u'\u0416', u'\u0436'},
         {u'\u0401', u'\u0451'}, {u'1', u'1'},
     };
