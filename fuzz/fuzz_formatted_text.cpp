@@ -2,7 +2,8 @@
 // stored back unchanged keeps its text; runs written as markup read back as the same runs
 // (joined), and writing those again gives the same markup; an edit of a stretch, stored and read
 // again, gives the edited text. Markup that the direct reader takes reads to the same tree as
-// through the XML reader, and to the same runs whether they are made as it reads or from the tree.
+// through the XML reader, and to the same runs whether they are made as it reads or from the tree;
+// its summary is their plain text and first formatting.
 // Storing decides a change as comparing the joined runs does.
 #include <cstddef>
 #include <cstdint>
@@ -80,6 +81,9 @@ void CheckDirectRuns(std::u16string_view content) {
     const FormattedText direct = ParseMarkup(content);
     const FormattedText tree = ReadMarkupThroughTree(content);
     Check(direct.readable == tree.readable && direct.runs == tree.runs);
+    const auto summary = ParseMarkupSummary(content);
+    const TextRun* first = tree.RunAt(0);
+    Check(summary->plain == tree.PlainText() && summary->first == (first ? first->format : TextFormat{}));
 }
 
 bool SameJoined(FormattedText a, FormattedText b) {

@@ -269,21 +269,27 @@ FormattedText Unreadable(std::u16string_view framed) {
     return result;
 }
 
+// What the direct reader `read` (ReadSimpleRuns or ReadSimpleSummary) gives for the markup, on the
+// fragment the tree's way would read: null when it refuses. It refuses line breaks and hard
+// spaces ("<br>" is not a span, "nbsp" not a reference it knows), so markup it takes is its own
+// preparation, as the tree's way has it.
+template <class Read>
+auto ReadDirectly(std::u16string_view content, std::u16string_view framed, const Read& read) {
+    auto result = read(framed, DocumentSize(framed.size()));
+    if (!result) {
+        const std::u16string prepared = PrepareMarkup(content);
+        if (prepared != framed) result = read(prepared, DocumentSize(prepared.size()));
+    }
+    return result;
+}
+
 FormattedText ReadMarkup(std::u16string_view content) {
     // The direct reader makes the runs as it reads, as ReadMarkupThroughTree would from the tree
     // of the same fragment. What it refuses, and what has too many formats (whose budget depends
     // on the fragment the tree came from), is decided through the tree.
-    FormattedText result;
-    const std::u16string_view framed = WithoutFrame(content);
     try {
-        // The direct reader refuses line breaks and hard spaces ("<br>" is not a span, "nbsp" not
-        // a reference it knows): markup it takes is its own preparation, as the tree's way has it.
-        std::optional<std::vector<TextRun>> runs = ReadSimpleRuns(framed, DocumentSize(framed.size()));
-        if (!runs) {
-            const std::u16string prepared = PrepareMarkup(content);
-            if (prepared != framed) runs = ReadSimpleRuns(prepared, DocumentSize(prepared.size()));
-        }
-        if (runs) {
+        if (auto runs = ReadDirectly(content, WithoutFrame(content), ReadSimpleRuns)) {
+            FormattedText result;
             result.runs = std::move(*runs);
             return result;
         }
@@ -291,6 +297,41 @@ FormattedText ReadMarkup(std::u16string_view content) {
     }
     return ReadMarkupThroughTree(content);
 }
+
+TextSummary Summarize(std::u16string_view content) {
+    try {
+        if (auto summary = ReadDirectly(content, WithoutFrame(content), ReadSimpleSummary)) return std::move(*summary);
+    } catch (const TooManyFormats&) {
+    }
+    const auto runs = ParseMarkupShared(content);
+    TextSummary summary{runs->PlainText(), TextFormat{}};
+    if (const TextRun* run = runs->RunAt(0)) summary.first = run->format;
+    return summary;
+}
+
+// The last markup read on this thread, with what was read of it. Changing a paragraph's text
+// reads its markup twice or more (the macro reads the value, the write compares it with the old
+// one and keeps the old formatting).
+template <class T>
+class LastReading {
+public:
+    template <class Read>
+    std::shared_ptr<const T> Get(std::u16string_view content, const Read& read) {
+        if (value_ && content.size() == content_.size() &&
+            std::memcmp(content.data(), content_.data(), content.size() * sizeof(char16_t)) == 0) {
+            return value_;
+        }
+        auto value = std::make_shared<const T>(read(content));
+        value_ = nullptr;  // until the content it belongs to is in place
+        content_ = content;
+        value_ = value;
+        return value;
+    }
+
+private:
+    std::u16string content_;
+    std::shared_ptr<const T> value_;
+};
 
 }  // namespace
 
@@ -324,23 +365,13 @@ std::u16string PrepareMarkup(std::u16string_view content) {
 }
 
 std::shared_ptr<const FormattedText> ParseMarkupShared(std::u16string_view content) {
-    // Changing a paragraph's text reads its markup twice or more (the macro reads the value, the
-    // write compares it with the old one and keeps the old formatting): the last markup read is
-    // remembered with its runs.
-    struct LastRead {
-        std::u16string content;
-        std::shared_ptr<const FormattedText> runs;
-    };
-    thread_local LastRead last;
-    if (last.runs && content.size() == last.content.size() &&
-        std::memcmp(content.data(), last.content.data(), content.size() * sizeof(char16_t)) == 0) {
-        return last.runs;
-    }
-    auto runs = std::make_shared<const FormattedText>(ReadMarkup(content));
-    last.runs = nullptr;  // until the content it belongs to is in place
-    last.content = content;
-    last.runs = runs;
-    return runs;
+    thread_local LastReading<FormattedText> last;
+    return last.Get(content, ReadMarkup);
+}
+
+std::shared_ptr<const TextSummary> ParseMarkupSummary(std::u16string_view content) {
+    thread_local LastReading<TextSummary> last;
+    return last.Get(content, Summarize);
 }
 
 FormattedText ParseMarkup(std::u16string_view content) { return *ParseMarkupShared(content); }

@@ -9,8 +9,9 @@
 // 3. Attribute values written without quotes (OneNote writes `lang=en-US`) get quotes, so the
 //    fragment is XML; nothing outside start tags is touched.
 // 4. The fragment is wrapped in `<?xml version="1.0"?><Text>` ... `</Text>` and read with the FMT
-//    binding (simple markup, most of it, by the direct reader of fmt_quick_reader.h, to the same
-//    tree). Elements other than `span` and `a` count for their text only.
+//    binding (simple markup, most of it, by the direct reader of fmt_quick_reader.h, which makes
+//    the runs of step 5 as it reads, with no tree). Elements other than `span` and `a` count for
+//    their text only.
 // 5. Each maximal stretch of characters under the same chain of `span` and `a` elements is one
 //    run. Its CSS is that of its spans, outer to inner (an inner declaration wins), its language
 //    that of the nearest span that has one, its link that of the nearest `a` that has an `href`.
@@ -43,6 +44,9 @@ std::u16string PrepareMarkup(std::u16string_view content);
 FormattedText ParseMarkup(std::u16string_view content);
 // The same runs, shared: the last content read on this thread is not read again.
 std::shared_ptr<const FormattedText> ParseMarkupShared(std::u16string_view content);
+// The plain text of the same runs and the formatting of their first character, shared as above.
+// Markup the direct reader takes is read without making the formatting of the rest.
+std::shared_ptr<const TextSummary> ParseMarkupSummary(std::u16string_view content);
 // The same runs by the longer way: a tree (the direct reader's, else the XML reader's) built first
 // and then walked. ParseMarkup goes this way for what the direct reader refuses or finds too
 // formatted; elsewhere the two agree, which the tests and the fuzz target check.

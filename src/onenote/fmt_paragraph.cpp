@@ -26,6 +26,13 @@ bool SameWhenJoined(const std::vector<TextRun>& a, const std::vector<TextRun>& b
     }
 }
 
+void Write(ON::T& t, const FormattedText& runs) {
+    t.text = WriteMarkup(runs);
+    // Through the header: CDATA is how OneNote hands text elements over and takes them back.
+    xml::ChildElement& header = t;
+    header.cdata = true;
+}
+
 }  // namespace
 
 FormattedText ReadRuns(const ON::T& t) { return ParseMarkup(t.text); }
@@ -34,14 +41,11 @@ std::shared_ptr<const FormattedText> ReadRunsShared(const ON::T& t) { return Par
 
 bool StoreRuns(ON::T& t, const FormattedText& before, const FormattedText& after) {
     if (SameWhenJoined(before.runs, after.runs)) return false;
-    t.text = WriteMarkup(after);
-    // Through the header: CDATA is how OneNote hands text elements over and takes them back.
-    xml::ChildElement& header = t;
-    header.cdata = true;
+    Write(t, after);
     return true;
 }
 
-std::u16string TextOf(const ON::T& t) { return ReadRunsShared(t)->PlainText(); }
+std::u16string TextOf(const ON::T& t) { return ParseMarkupSummary(t.text)->plain; }
 
 std::vector<ON::T*> TextElementsOf(const ON::OE& paragraph) {
     std::vector<ON::T*> elements;
@@ -65,9 +69,7 @@ std::u16string TextOfParagraph(const ON::OE& paragraph) {
     std::u16string text;
     for (const auto& choice : paragraph.content) {
         if (!choice || !choice->t) continue;
-        const std::shared_ptr<const FormattedText> runs = ReadRunsShared(*choice->t);
-        text.reserve(text.size() + runs->Length());
-        for (const TextRun& run : runs->runs) text += run.text;
+        text += ParseMarkupSummary(choice->t->text)->plain;
     }
     return text;
 }
@@ -94,13 +96,16 @@ bool SetTextOfParagraph(ON::OE& paragraph, std::u16string_view text) {
         changed = true;
     }
     // All the text replaced: one run, formatted as the first character was (ReplaceRange over the
-    // whole text, without copying the runs it drops).
-    const std::shared_ptr<const FormattedText> before = ReadRunsShared(*first);
-    const TextRun* firstRun = before->RunAt(0);
+    // whole text, without the runs it drops). Other characters are a change whatever the formatting;
+    // only the same characters need the runs to tell.
+    const std::shared_ptr<const TextSummary> before = ParseMarkupSummary(first->text);
     FormattedText after;
-    after.readable = before->readable;
-    after.runs.push_back(TextRun{NormalizeLineBreaks(text), firstRun ? firstRun->format : TextFormat{}});
-    return StoreRuns(*first, *before, after) || changed;
+    after.runs.push_back(TextRun{NormalizeLineBreaks(text), before->first});
+    if (after.runs[0].text != before->plain) {
+        Write(*first, after);
+        return true;
+    }
+    return StoreRuns(*first, *ReadRunsShared(*first), after) || changed;
 }
 
 bool FormatAll(ON::T& t, TextProperty property, const MacroValue& value) {

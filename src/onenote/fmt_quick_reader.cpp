@@ -11,6 +11,7 @@ namespace qm::onenote {
 namespace {
 
 constexpr std::size_t kMaxDepth = 64;
+constexpr std::u16string_view kSpan = u"span", kAnchor = u"a", kStyle = u"style", kHref = u"href", kLang = u"lang";
 
 bool IsBlank(char16_t c) { return c == u' ' || c == u'\t' || c == u'\n'; }
 
@@ -131,9 +132,10 @@ private:
         if (!More() || (text_[at_] != u'"' && text_[at_] != u'\'')) return false;
         const char16_t quote = text_[at_++];
         const std::size_t begin = at_;
-        while (More() && text_[at_] != quote && text_[at_] != u'&' && text_[at_] != u'<' && IsPlain(text_[at_]) &&
-               (text_[at_] == u' ' || !IsBlank(text_[at_]))) {
-            ++at_;
+        for (; More(); ++at_) {
+            const char16_t c = text_[at_];
+            if (c > u'>' && c < 0xDBC0) continue;  // most characters, at one test
+            if (c == quote || c == u'&' || c == u'<' || !IsPlain(c) || (c != u' ' && IsBlank(c))) break;
         }
         if (More() && text_[at_] == quote) {
             value = Value{true, text_.substr(begin, at_ - begin)};
@@ -164,7 +166,7 @@ private:
             ++at_;
             const std::u16string_view name = Name();
             SkipBlanks();
-            if (!More() || text_[at_] != u'>' || depth_ == 0 || name != (isSpan_[depth_ - 1] ? u"span" : u"a")) {
+            if (!More() || text_[at_] != u'>' || depth_ == 0 || name != (isSpan_[depth_ - 1] ? kSpan : kAnchor)) {
                 return false;
             }
             ++at_;
@@ -173,8 +175,8 @@ private:
             return true;
         }
         const std::u16string_view name = Name();
-        const bool span = name == u"span";
-        if (!span && name != u"a") return false;
+        const bool span = name == kSpan;
+        if (!span && name != kAnchor) return false;
         Value first, second;  // style or href; lang
         for (;;) {
             const std::size_t before = at_;
@@ -209,10 +211,10 @@ private:
             SkipBlanks();
             Value* slot = nullptr;
             std::u16string* buffer = nullptr;
-            if (attribute == (span ? u"style" : u"href")) {
+            if (attribute == (span ? kStyle : kHref)) {
                 slot = &first;
                 buffer = &firstBuffer_;
-            } else if (span && attribute == u"lang") {
+            } else if (span && attribute == kLang) {
                 slot = &second;
                 buffer = &secondBuffer_;
             }
@@ -264,17 +266,27 @@ private:
     std::vector<std::vector<FMT::Item>*> open_;
 };
 
-class RunSink {
+// Hands the events to a RunBuilder or a SummaryBuilder.
+template <class Builder>
+class BuilderSink {
 public:
-    explicit RunSink(RunBuilder& builder) : builder_(builder) {}
+    explicit BuilderSink(Builder& builder) : builder_(builder) {}
     void Text(std::u16string_view text) { builder_.Text(text); }
     void OpenSpan(const Value& style, const Value& lang) { builder_.OpenSpan(style.View(), lang.View()); }
     void OpenAnchor(const Value& href) { builder_.OpenAnchor(href.View()); }
     void Close() { builder_.Close(); }
 
 private:
-    RunBuilder& builder_;
+    Builder& builder_;
 };
+
+template <class Builder>
+auto Build(std::u16string_view prepared, std::size_t markupSize) -> std::optional<decltype(Builder(0).Take())> {
+    Builder builder(markupSize);
+    BuilderSink<Builder> sink(builder);
+    if (!QuickReader(prepared, sink).Read()) return std::nullopt;
+    return builder.Take();
+}
 
 }  // namespace
 
@@ -285,10 +297,11 @@ std::shared_ptr<FMT::Text> ReadSimpleMarkup(std::u16string_view prepared) {
 }
 
 std::optional<std::vector<TextRun>> ReadSimpleRuns(std::u16string_view prepared, std::size_t markupSize) {
-    RunBuilder builder(markupSize);
-    RunSink sink(builder);
-    if (!QuickReader(prepared, sink).Read()) return std::nullopt;
-    return builder.Take();
+    return Build<RunBuilder>(prepared, markupSize);
+}
+
+std::optional<TextSummary> ReadSimpleSummary(std::u16string_view prepared, std::size_t markupSize) {
+    return Build<SummaryBuilder>(prepared, markupSize);
 }
 
 }  // namespace qm::onenote

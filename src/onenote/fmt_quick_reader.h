@@ -27,5 +27,8 @@ std::shared_ptr<FMT::Text> ReadSimpleMarkup(std::u16string_view prepared);
 // The runs of the same markup, made as it is read, without the tree: RunsOfTree of
 // ReadSimpleMarkup's tree, and null where that is. Raises TooManyFormats as RunsOfTree does.
 std::optional<std::vector<TextRun>> ReadSimpleRuns(std::u16string_view prepared, std::size_t markupSize);
+// Their summary (SummaryBuilder): the plain text and the first formatting, null where
+// ReadSimpleRuns is; TooManyFormats when ReadSimpleRuns might raise it.
+std::optional<TextSummary> ReadSimpleSummary(std::u16string_view prepared, std::size_t markupSize);
 
 }  // namespace qm::onenote

@@ -15,12 +15,36 @@ std::size_t SizeOf(const TextFormat& format) {
     return size;
 }
 
+std::size_t Budget(std::size_t markupSize) { return 32 * markupSize + 65536; }
+
+TextFormat InnerSpan(const TextFormat& outer, const std::optional<std::u16string_view>& style,
+                     const std::optional<std::u16string_view>& lang) {
+    TextFormat format = outer;
+    if (style) {
+        if (format.style.empty()) {
+            format.style = ParseCss(*style);
+        } else {
+            MergeCss(format.style, ParseCss(*style));
+        }
+    }
+    if (lang && !lang->empty()) format.lang = std::u16string(*lang);
+    return format;
+}
+
+TextFormat InnerAnchor(const TextFormat& outer, const std::optional<std::u16string_view>& href) {
+    TextFormat format = outer;
+    if (href && !href->empty()) format.href = std::u16string(*href);
+    return format;
+}
+
+std::size_t SizeOf(const std::optional<std::u16string_view>& value) { return value ? value->size() : 0; }
+
 }  // namespace
 
-RunBuilder::RunBuilder(std::size_t markupSize) : budget_(32 * markupSize + 65536) {
-    frames_.push_back(Frame{TextFormat{}, SizeOf(TextFormat{}), 0, kNoRun});
+RunBuilder::RunBuilder(std::size_t markupSize) : budget_(Budget(markupSize)) {
     frames_.reserve(4);
     runs_.reserve(8);
+    frames_.push_back(Frame{TextFormat{}, SizeOf(TextFormat{}), 0, kNoRun});
 }
 
 void RunBuilder::Spend(std::size_t size) {
@@ -52,26 +76,13 @@ void RunBuilder::Open(TextFormat format) {
 
 void RunBuilder::OpenSpan(const std::optional<std::u16string_view>& style,
                           const std::optional<std::u16string_view>& lang) {
-    const TextFormat& outer = frames_.back().format;
-    Spend(frames_.back().size + (style ? style->size() : 0));
-    TextFormat format = outer;
-    if (style) {
-        if (format.style.empty()) {
-            format.style = ParseCss(*style);
-        } else {
-            MergeCss(format.style, ParseCss(*style));
-        }
-    }
-    if (lang && !lang->empty()) format.lang = std::u16string(*lang);
-    Open(std::move(format));
+    Spend(frames_.back().size + SizeOf(style));
+    Open(InnerSpan(frames_.back().format, style, lang));
 }
 
 void RunBuilder::OpenAnchor(const std::optional<std::u16string_view>& href) {
-    const TextFormat& outer = frames_.back().format;
-    Spend(frames_.back().size + (href ? href->size() : 0));
-    TextFormat format = outer;
-    if (href && !href->empty()) format.href = std::u16string(*href);
-    Open(std::move(format));
+    Spend(frames_.back().size + SizeOf(href));
+    Open(InnerAnchor(frames_.back().format, href));
 }
 
 void RunBuilder::Close() {
@@ -84,6 +95,52 @@ std::vector<TextRun> RunBuilder::Take() {
     while (!frames_.empty()) Close();
     return std::move(runs_);
 }
+
+// The bound of a format: that of the outer one, plus each declaration of the style at most its
+// piece of the style and a semicolon, plus the new language or link.
+SummaryBuilder::SummaryBuilder(std::size_t markupSize) : budget_(Budget(markupSize)) {
+    summary_.plain.reserve(markupSize);  // the text is never longer than its markup
+    frames_.reserve(4);
+    frames_.push_back(Frame{SizeOf(TextFormat{}), 0, TextFormat{}});
+}
+
+void SummaryBuilder::Spend(std::size_t size) {
+    if (size > budget_) throw TooManyFormats{};
+    budget_ -= size;
+}
+
+void SummaryBuilder::Text(std::u16string_view text) {
+    if (text.empty()) return;
+    Frame& top = frames_.back();
+    if (!started_ || lastElement_ != top.element) Spend(top.bound);
+    if (!started_) {
+        summary_.first = std::move(top.format);
+        started_ = true;
+    }
+    lastElement_ = top.element;
+    summary_.plain += text;
+}
+
+void SummaryBuilder::OpenSpan(const std::optional<std::u16string_view>& style,
+                              const std::optional<std::u16string_view>& lang) {
+    const Frame& top = frames_.back();
+    Spend(top.bound + SizeOf(style));
+    const std::size_t bound = top.bound + (style ? style->size() + 1 : 0) + SizeOf(lang);
+    TextFormat format = started_ ? TextFormat{} : InnerSpan(top.format, style, lang);
+    frames_.push_back(Frame{bound, ++elements_, std::move(format)});
+}
+
+void SummaryBuilder::OpenAnchor(const std::optional<std::u16string_view>& href) {
+    const Frame& top = frames_.back();
+    Spend(top.bound + SizeOf(href));
+    const std::size_t bound = top.bound + SizeOf(href);
+    TextFormat format = started_ ? TextFormat{} : InnerAnchor(top.format, href);
+    frames_.push_back(Frame{bound, ++elements_, std::move(format)});
+}
+
+void SummaryBuilder::Close() { frames_.pop_back(); }
+
+TextSummary SummaryBuilder::Take() { return std::move(summary_); }
 
 std::vector<TextRun> RunsOfTree(const FMT::Text& root, std::size_t markupSize) {
     struct Level {

@@ -59,6 +59,37 @@ private:
     std::size_t lastElement_ = 0;
 };
 
+// The summary of the runs RunBuilder would make from the same events, without their formatting
+// past the first character. The budget is counted from an upper bound of each format's size (the
+// sizes of the attributes it comes from): TooManyFormats here means only that RunBuilder might
+// raise it, and the caller asks it.
+class SummaryBuilder {
+public:
+    explicit SummaryBuilder(std::size_t markupSize);
+
+    void Text(std::u16string_view text);
+    void OpenSpan(const std::optional<std::u16string_view>& style, const std::optional<std::u16string_view>& lang);
+    void OpenAnchor(const std::optional<std::u16string_view>& href);
+    void Close();
+    TextSummary Take();
+
+private:
+    struct Frame {
+        std::size_t bound;    // at least the room the format takes
+        std::size_t element;  // the chain's identity
+        TextFormat format;    // made only until the first character is read
+    };
+
+    void Spend(std::size_t size);
+
+    std::size_t budget_;
+    TextSummary summary_;
+    bool started_ = false;  // the first character is read
+    std::vector<Frame> frames_;
+    std::size_t elements_ = 0;
+    std::size_t lastElement_ = 0;
+};
+
 // The runs of a tree the XML binding (or the direct reader) built, walked without recursion.
 std::vector<TextRun> RunsOfTree(const FMT::Text& root, std::size_t markupSize);
 

@@ -85,6 +85,13 @@ struct FormattedText {
     void ReplaceRange(std::size_t start, std::size_t end, std::u16string_view text);
 };
 
+// What reading all of a text, or replacing all of it, needs of its runs: the plain text and the
+// formatting of its first character (plain when it has none).
+struct TextSummary {
+    std::u16string plain;
+    TextFormat first;
+};
+
 // Line breaks as the paragraph holds them: "\r\n" and a lone "\r" become "\n".
 std::u16string NormalizeLineBreaks(std::u16string_view text);
 

@@ -50,6 +50,14 @@ std::string Show(const std::vector<TextRun>& runs) {
     return out;
 }
 
+// The summary of the markup is the plain text and the first formatting of its runs.
+void ExpectSummaryOf(std::u16string_view content, const FormattedText& runs) {
+    const auto summary = ParseMarkupSummary(content);
+    EXPECT_EQ(ToUtf8(summary->plain), ToUtf8(runs.PlainText()));
+    const TextRun* first = runs.RunAt(0);
+    EXPECT_EQ(Show({TextRun{u"", summary->first}}), Show({TextRun{u"", first ? first->format : TextFormat{}}}));
+}
+
 // Reading what was written gives the runs back, joined.
 void ExpectStable(const FormattedText& text) {
     FormattedText joined = text;
@@ -101,6 +109,7 @@ TEST(FormattedTextReading, RunsFollowTheChainsOfSpansAndLinks) {
         EXPECT_TRUE(text.readable);
         EXPECT_EQ(Show(text.runs), Show(c.runs));
         EXPECT_EQ(Show(ReadMarkupThroughTree(c.content).runs), Show(c.runs));
+        ExpectSummaryOf(c.content, text);
         ExpectStable(text);
     }
 }
@@ -137,6 +146,7 @@ TEST(FormattedTextReading, MarkupThatDoesNotReadIsOnePlainRunOfTheStoredText) {
         EXPECT_FALSE(text.readable);
         EXPECT_EQ(Show(text.runs), Show(Runs({{content}})));
         EXPECT_FALSE(ReadMarkupThroughTree(u"\n  " + content + u"\n").readable);
+        ExpectSummaryOf(u"\n  " + content + u"\n", text);
     }
 }
 
@@ -317,6 +327,21 @@ TEST(FormattedTextBinding, FormattingRepeatedFarBeyondTheMarkupsSizeFallsBack) {
     for (int i = 0; i < 5000; ++i) content += u"<span>y</span>";
     content += u"</a>";
     EXPECT_FALSE(ParseMarkup(content).readable);
+    ExpectSummaryOf(content, ParseMarkup(content));
+    // The summary counts formatting by the size of the styles it comes from, far above their
+    // runs' here (one declaration repeated): it leaves the verdict to the runs.
+    std::u16string repeated;
+    for (int i = 0; i < 60; ++i) repeated += u"<span style='" + [] {
+        std::u16string style;
+        for (int k = 0; k < 1000; ++k) style += u"a:1;";
+        return style;
+    }() + u"'>";
+    for (int i = 0; i < 100; ++i) repeated += u"<span>x</span>";
+    for (int i = 0; i < 60; ++i) repeated += u"</span>";
+    const FormattedText runs = ParseMarkup(repeated);
+    EXPECT_TRUE(runs.readable);
+    EXPECT_EQ(runs.PlainText(), std::u16string(100, u'x'));
+    ExpectSummaryOf(repeated, runs);
     // A long style reads in linear time, each name once.
     std::u16string style;
     for (int i = 0; i < 20000; ++i) style += u"n" + IntegerText(i % 2000) + u":v;";
@@ -376,6 +401,7 @@ TEST(FormattedTextSamples, EveryTextElementOfTheRealPagesReadsWithoutLoss) {
             const FormattedText runs = ParseMarkup(t->text);
             EXPECT_TRUE(runs.readable) << ToUtf8(t->text);
             EXPECT_EQ(Show(runs.runs), Show(ReadMarkupThroughTree(t->text).runs));
+            ExpectSummaryOf(t->text, runs);
             if (runs.runs.size() > 1 || (runs.runs.size() == 1 && !runs.runs[0].format.IsPlain())) ++formatted;
             EXPECT_EQ(runs.PlainText().find(u"&nbsp;"), std::u16string::npos);
             ExpectStable(runs);
