@@ -1,10 +1,12 @@
 #include "onenote/session.h"
 
 #include <algorithm>
+#include <set>
 
 #include "core/format.h"
 #include "onenote/messages.h"
 #include "onenote/on_document.h"
+#include "onenote/ordered_pipeline.h"
 #include "onenote/page_text.h"
 
 namespace qm::onenote {
@@ -52,6 +54,19 @@ E& As(const HierarchyObject& held, xml::ChildElement& fetched) {
     }
     return *typed;
 }
+
+// A page's content as fetched, not yet bound. Its XML text lives only until it is.
+struct FetchedPage {
+    std::u16string xml;
+    std::u16string name;  // the page as its errors name it
+};
+
+FetchedPage FetchPage(OneNoteApi& api, const std::u16string& id) {
+    return {api.GetPageContent(id), FormatMessage(msg::kPageName, {id})};
+}
+
+// Touches nothing but the fetched page: it may run on any thread.
+std::shared_ptr<ON::Page> ReadFetched(FetchedPage page) { return ON::ReadPage(page.xml, page.name); }
 
 }  // namespace
 
@@ -237,7 +252,30 @@ void Session::LoadAllPages(HierarchyObject& scope) {
             }
         }
     }
-    for (const auto& page : pages) LoadContent(static_cast<PageObject&>(*page));
+    // The pages are loaded as LoadContent loads them one after the other: logged, fetched and
+    // held in this order, on this thread. Only reading the XML runs on worker threads, for the
+    // pages fetched ahead. When a page fails (its fetch or its XML), the error is raised at that
+    // page and nothing after it is logged or held; some of the pages after it may have been
+    // fetched already.
+    struct Wanted {
+        PageObject* page;
+        std::u16string id;
+    };
+    std::vector<Wanted> wanted;
+    std::set<std::u16string, std::less<>> ids;
+    for (const auto& page : pages) {
+        auto& object = static_cast<PageObject&>(*page);
+        std::u16string id = object.id();
+        // Held already, or listed twice: LoadContent would not fetch it again.
+        if (pageIndex_.contains(id) || !ids.insert(id).second) continue;
+        wanted.push_back({&object, std::move(id)});
+    }
+    OrderedPipeline<FetchedPage, std::shared_ptr<ON::Page>> documents(
+        wanted.size(), [&](std::size_t i) { return FetchPage(*api_, wanted[i].id); }, &ReadFetched);
+    for (const Wanted& page : wanted) {
+        LogRetrievingPage(*page.page);
+        Hold(*page.page, documents.Next());
+    }
 }
 
 std::shared_ptr<HierarchyObject> Session::ObjectOf(const xml::ChildElement& element) const {
@@ -291,18 +329,22 @@ std::shared_ptr<HierarchyObject> Session::TreeParent(const HierarchyObject& obje
 std::shared_ptr<LoadedPage> Session::LoadContent(PageObject& page) {
     const std::u16string id = page.id();
     if (const auto found = pageIndex_.find(id); found != pageIndex_.end()) return pageTable_[found->second];
+    LogRetrievingPage(page);
+    return Hold(page, ReadFetched(FetchPage(*api_, id)));
+}
+
+void Session::LogRetrievingPage(const PageObject& page) {
     if (log_) LogLine(log_, std::u16string(msg::kLogRetrievingPage) + page.name());
+}
+
+std::shared_ptr<LoadedPage> Session::Hold(PageObject& page, std::shared_ptr<ON::Page> document) {
     auto loaded = std::make_shared<LoadedPage>();
-    loaded->id = id;
-    {
-        // The page's XML text lives only while it is bound.
-        const std::u16string xml = api_->GetPageContent(id);
-        loaded->document = ON::ReadPage(xml, FormatMessage(msg::kPageName, {id}));
-    }
+    loaded->id = page.id();
+    loaded->document = std::move(document);
     loaded->textHost = MakeTextHost(*this, loaded);
     SyncLoadedPage(page, *loaded->document);
     page.RaiseLevel(Level::PageContents);
-    pageIndex_.emplace(id, pageTable_.size());
+    pageIndex_.emplace(loaded->id, pageTable_.size());
     pageTable_.push_back(loaded);
     ++pagesLoaded_;
     return loaded;

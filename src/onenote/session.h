@@ -10,7 +10,10 @@
 // Fetching: each hierarchy object records how deep its subtree is known (Level). A query fetches
 // below its scope only to the level the wanted type needs (notebooks 2, section groups and
 // sections 3, pages 4, page content 5), with one GetHierarchy call cut to that scope; page
-// content is loaded once per page per run, when something needs it.
+// content is loaded once per page per run, when something needs it. When a query loads many pages
+// at once, their XML is read on worker threads while this thread fetches and holds the others;
+// everything else (the calls to OneNote, the log, the tree, the page table) stays on the thread of
+// the run, in page order.
 //
 // Saving, at the end of a run that saves (it finished, or ExitMacro(true)):
 // - Hierarchy attributes a macro changed (names, colours, unread marks, a page's level or date)
@@ -20,7 +23,8 @@
 //   confirmation, and a failed, cancelled or ExitMacro(false) run sends none.
 //   A node whose children a macro reordered (SortObjects, a page inserted at a position) is sent
 //   with its children, each with its attributes only.
-// - Modified pages are sent with UpdatePageContent, in page-table (load) order.
+// - Modified pages are sent with UpdatePageContent, in page-table (load) order; their XML is
+//   written on worker threads ahead of the sending.
 // After saving, the pages' documents are let go: a page the run is done with keeps nothing but its
 // bound form while a macro value still refers to it.
 #pragma once
@@ -143,6 +147,9 @@ private:
     void MergeChildren(xml::ChildList<ON::SectionChoice>& held, xml::ChildList<ON::SectionChoice>& fetched,
                        MergeSteps& pending);
     void LoadAllPages(HierarchyObject& scope);
+    void LogRetrievingPage(const PageObject& page);
+    // Enters a page's bound content into the page table.
+    std::shared_ptr<LoadedPage> Hold(PageObject& page, std::shared_ptr<ON::Page> document);
     MacroValue WalkUp(const MacroValue& object, const MacroValue& type, Argument& out, bool parentOnly,
                       std::u16string_view function);
     void SaveHierarchyChanges();

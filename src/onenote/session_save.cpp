@@ -1,5 +1,6 @@
 // Writing a run's changes back to OneNote (see session.h for when and in which order).
 #include "onenote/on_document.h"
+#include "onenote/ordered_pipeline.h"
 #include "onenote/session.h"
 #include "xml/xml_writer.h"
 
@@ -75,9 +76,17 @@ std::size_t Session::FinalizeModified() {
 }
 
 void Session::SaveModified() {
+    std::vector<LoadedPage*> modified;
     for (const auto& page : pageTable_) {
-        if (!page->modified || !page->document) continue;
-        api_->UpdatePageContent(ON::WriteDocument(*page->document));
+        if (page->modified && page->document) modified.push_back(page.get());
+    }
+    // Pages are written to XML on worker threads, a few ahead of the one being sent; nothing
+    // touches a page's content while it is sent. Each page's text goes as soon as it is sent.
+    OrderedPipeline<const ON::Page*, std::u16string> texts(
+        modified.size(), [&](std::size_t i) -> const ON::Page* { return modified[i]->document.get(); },
+        [](const ON::Page* document) { return ON::WriteDocument(*document); });
+    for (LoadedPage* page : modified) {
+        api_->UpdatePageContent(texts.Next());
         page->modified = false;
     }
     pageTable_.clear();

@@ -151,21 +151,25 @@ TEST_F(SessionQueryTest, DeeplyNestedHierarchiesAndPages) {
     std::string hierarchy = "<?xml version=\"1.0\"?>\n<one:Notebooks xmlns:one=\"" + ToUtf8(ON::kNamespace) +
                             "\"><one:Notebook name=\"Deep\" ID=\"" + ToUtf8(Id(1)) + "\">";
     for (int i = 0; i < kDepth; ++i) hierarchy += "<one:SectionGroup name=\"g\" ID=\"" + ToUtf8(Id(1000 + i)) + "\">";
+    // Two pages: loaded together, their XML is read on worker threads, as deep as on this one.
     hierarchy += "<one:Section name=\"Bottom\" ID=\"" + ToUtf8(Id(2)) + "\"><one:Page ID=\"" + ToUtf8(Id(3)) +
-                 "\" name=\"P\"/></one:Section>";
+                 "\" name=\"P\"/><one:Page ID=\"" + ToUtf8(Id(4)) + "\" name=\"Q\"/></one:Section>";
     for (int i = 0; i < kDepth; ++i) hierarchy += "</one:SectionGroup>";
     hierarchy += "</one:Notebook></one:Notebooks>\n";
-    std::string page = "<?xml version=\"1.0\"?>\n<one:Page xmlns:one=\"" + ToUtf8(ON::kNamespace) + "\" ID=\"" +
-                       ToUtf8(Id(3)) + "\" name=\"P\"><one:Outline><one:OEChildren>";
+    std::string page = "<one:Outline><one:OEChildren>";
     constexpr int kParagraphs = 300;
     for (int i = 0; i < kParagraphs; ++i) page += "<one:OE><one:T><![CDATA[x]]></one:T><one:OEChildren>";
     page += "<one:OE><one:T><![CDATA[bottom]]></one:T></one:OE>";
     for (int i = 0; i < kParagraphs; ++i) page += "</one:OEChildren></one:OE>";
-    page += "</one:OEChildren></one:Outline></one:Page>\n";
+    page += "</one:OEChildren></one:Outline>";
     const std::filesystem::path deep = ScratchDir("session-deep");
     std::filesystem::create_directories(deep / "pages");
     std::ofstream(deep / "hierarchy.xml", std::ios::binary) << hierarchy;
-    std::ofstream(deep / "pages" / NotebookFolder::PageFileName(Id(3)), std::ios::binary) << page;
+    for (const int id : {3, 4}) {
+        std::ofstream(deep / "pages" / NotebookFolder::PageFileName(Id(id)), std::ios::binary)
+            << "<?xml version=\"1.0\"?>\n<one:Page xmlns:one=\"" << ToUtf8(ON::kNamespace) << "\" ID=\""
+            << ToUtf8(Id(id)) << "\">" << page << "</one:Page>\n";
+    }
 
     NotebookFolder folder(deep);
     Session session(folder);
@@ -175,7 +179,7 @@ TEST_F(SessionQueryTest, DeeplyNestedHierarchiesAndPages) {
     Argument out{MacroValue(), std::make_shared<MacroValue>()};
     EXPECT_TRUE(session.GetAncestorOfType(MacroValue(bottom), MacroValue(u"Notebook"), out).boolean());
     const MacroValue paragraphs = session.QueryObjects(MacroValue(u"Paragraph"), MacroValue(bottom));
-    ASSERT_EQ(paragraphs.array()->size(), static_cast<std::size_t>(kParagraphs + 1));
+    ASSERT_EQ(paragraphs.array()->size(), static_cast<std::size_t>(2 * (kParagraphs + 1)));
     const ObjectRef last = paragraphs.array()->elements().back().value->object();
     EXPECT_TRUE(session.GetAncestorOfType(MacroValue(last), MacroValue(u"Outline"), out).boolean());
     const ObjectRef outline = out.slot->object();
