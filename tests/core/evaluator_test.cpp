@@ -99,9 +99,7 @@ protected:
         }
         return "(no error)";
     }
-    std::string ErrorOf(std::u16string_view text) {
-        return MessageOf([&] { Eval(text); });
-    }
+    std::string ErrorOf(std::u16string_view text) { return MessageOf([&] { Eval(text); }); }
     std::string Var(std::u16string_view name) {
         const MacroValue* v = scope.variables().FindValue(name);
         return v ? ToUtf8(v->Describe()) : "(none)";

@@ -130,8 +130,8 @@ TEST(Interpreter, CancelBeforeFirstStatement) {
     EXPECT_EQ(ToUtf8(run.Var(u"r")), "<empty>");
 }
 
-// Runs the macro while another thread presses Cancel after `delay`; the run must end cancelled.
-// How long the run took.
+// Runs the macro while another thread presses Cancel after `delay`: the run must end cancelled.
+// Returns how long the run took.
 std::chrono::steady_clock::duration RunCancelledAfter(InterpreterRun& run, std::chrono::milliseconds delay) {
     std::thread canceller([&] {
         std::this_thread::sleep_for(delay);
