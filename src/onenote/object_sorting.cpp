@@ -180,7 +180,8 @@ MacroValue Session::SortObjects(const MacroValue& objects, const MacroValue& by,
     std::unordered_set<const void*> seen;
     for (std::size_t i = 0; i < work.size(); ++i) {
         if (SorterFor(work[i]->TypeNumber()) != sorter) continue;
-        Item item{keys[i]};
+        Item item;
+        item.key = keys[i];
         auto* element = dynamic_cast<OneNoteObject&>(*work[i]).node();
         if (!element || !seen.insert(element).second) continue;
         item.container = ListOf(sorter, *element, item.entry);

@@ -15,7 +15,9 @@ void RunCase(const Case& c) {
     for (auto step : c.steps) last = h.Eval(step);
     std::string where = ToUtf8(c.steps.back());
     EXPECT_EQ(last.Describe(), c.result) << where;
-    if (!c.array.empty()) EXPECT_EQ(Elements(h.Var(u"a")), c.array) << where;
+    if (!c.array.empty()) {
+        EXPECT_EQ(Elements(h.Var(u"a")), c.array) << where;
+    }
 }
 
 TEST(ArrayBuiltins, BuildMeasureAndJoin) {

@@ -46,7 +46,9 @@ TEST(XmlReader, ReportsNodeTypesFaithfully) {
 TEST(XmlReader, OnlyARealDeclarationCounts) {
     EXPECT_EQ(Nodes(u"<?xml-stylesheet href=\"s\"?><a/>"),
               (std::vector<std::string>{"PI=href=\"s\"", "Element:a/"}));
-    if (!qm::test::UnderWine()) EXPECT_EQ(Nodes(u" <a/>"), (std::vector<std::string>{"Element:a/"}));
+    if (!qm::test::UnderWine()) {
+        EXPECT_EQ(Nodes(u" <a/>"), (std::vector<std::string>{"Element:a/"}));
+    }
 }
 
 // The scan's events in the same notation ("Text" for all character data, "+" marking CDATA).
