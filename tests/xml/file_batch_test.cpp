@@ -12,10 +12,19 @@ namespace {
 
 namespace fs = std::filesystem;
 
-TEST(FileBatch, ReplacesAtOnceFlushesLaterAndNamesAFileItCannotWrite) {
-    const fs::path dir = fs::temp_directory_path() / "quillmark-file-batch";
+fs::path EmptyFolder(const char* name) {
+    const fs::path dir = fs::temp_directory_path() / name;
     fs::remove_all(dir);
     fs::create_directories(dir);
+    return dir;
+}
+
+std::ptrdiff_t FilesIn(const fs::path& dir) {
+    return std::distance(fs::directory_iterator(dir), fs::directory_iterator());
+}
+
+TEST(FileBatch, ReplacesAtOnceFlushesLaterAndNamesAFileItCannotWrite) {
+    const fs::path dir = EmptyFolder("quillmark-file-batch");
     FileBatch batch;
     batch.Replace(dir / "a.xml", "first");
     batch.Replace(dir / "a.xml", "second");
@@ -25,7 +34,7 @@ TEST(FileBatch, ReplacesAtOnceFlushesLaterAndNamesAFileItCannotWrite) {
     batch.Sync();
     EXPECT_TRUE(batch.empty());
     EXPECT_EQ(ReadFileBytes(dir / "p39.xml"), "39");
-    EXPECT_EQ(std::distance(fs::directory_iterator(dir), fs::directory_iterator()), 41) << "no temporaries left";
+    EXPECT_EQ(FilesIn(dir), 41) << "no temporaries left";
     try {
         batch.Replace(dir / "missing" / "b.xml", "x");
         FAIL() << "wrote into a missing folder";
@@ -37,9 +46,7 @@ TEST(FileBatch, ReplacesAtOnceFlushesLaterAndNamesAFileItCannotWrite) {
 
 // A replaced file may live on as the next temporary file: never one with another name.
 TEST(FileBatch, NeverWritesOverAReplacedFileThatHasAnotherName) {
-    const fs::path dir = fs::temp_directory_path() / "quillmark-file-batch-links";
-    fs::remove_all(dir);
-    fs::create_directories(dir);
+    const fs::path dir = EmptyFolder("quillmark-file-batch-links");
     {
         FileBatch batch;
         batch.Replace(dir / "linked.xml", "old");
@@ -52,7 +59,7 @@ TEST(FileBatch, NeverWritesOverAReplacedFileThatHasAnotherName) {
         EXPECT_EQ(ReadFileBytes(dir / "other-name.xml"), "old");
         EXPECT_EQ(ReadFileBytes(dir / "next.xml"), "third");
     }
-    EXPECT_EQ(std::distance(fs::directory_iterator(dir), fs::directory_iterator()), 3) << "no temporaries left";
+    EXPECT_EQ(FilesIn(dir), 3) << "no temporaries left";
     fs::remove_all(dir);
 }
 
